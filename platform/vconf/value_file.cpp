@@ -1,0 +1,231 @@
+#include "value_file.h"
+
+#include <dirent.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <stdio.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <sys/uio.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <functional>
+#include <mutex>
+
+#include "descriptor.h"
+#include "key_path.h"
+#include "platform_root.h"
+#include "vconf.h"
+
+namespace vconf {
+namespace {
+
+using platform::descriptor;
+
+constexpr time_t stale_after_s = 10;
+constexpr int write_attempts = 3;
+
+void report_once(const platform::root_check& why) {
+  static std::atomic_flag reported = ATOMIC_FLAG_INIT;
+  if (why.state == platform::root_state::refused && !reported.test_and_set()) {
+    fprintf(stderr, "vconf: %s\n", why.reason.c_str());
+  }
+}
+
+bool root_was_removed(int root) {
+  struct stat status {};
+  return fstat(root, &status) == 0 && status.st_nlink == 0;
+}
+
+void remove_when_stale(int directory, const char* name) {
+  struct stat status {};
+  timespec now{};
+  clock_gettime(CLOCK_REALTIME, &now);
+  if (fstatat(directory, name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+      now.tv_sec - status.st_mtim.tv_sec > stale_after_s) {
+    unlinkat(directory, name, 0);
+  }
+}
+
+// Temporary files that killed writers left behind. A write takes microseconds; should a stopped
+// writer come back to a file that is gone, its rename fails and it starts over.
+void sweep(int root, const char* key) {
+  const int fd = openat(root, key, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd < 0) {
+    return;
+  }
+  DIR* entries = fdopendir(fd);
+  if (entries == nullptr) {
+    close(fd);
+    return;
+  }
+  while (const dirent* entry = readdir(entries)) {
+    if (std::string_view{entry->d_name}.starts_with(temporary_prefix)) {
+      remove_when_stale(dirfd(entries), entry->d_name);
+    }
+  }
+  closedir(entries);
+}
+
+// Sweeps before this process's first write of a key. Keys that share a bit share their sweep.
+void sweep_once(int root, std::string_view key, const char* key_text) {
+  static std::atomic<uint64_t> swept{0};
+  const uint64_t bit = uint64_t{1} << (std::hash<std::string_view>{}(key) % 64);
+  if ((swept.load(std::memory_order_relaxed) & bit) == 0) {
+    swept.fetch_or(bit);
+    sweep(root, key_text);
+  }
+}
+
+bool write_whole(int fd, value_type type, std::string_view text) {
+  char letter = static_cast<char>(type);
+  const iovec parts[] = {{&letter, 1}, {const_cast<char*>(text.data()), text.size()}};
+  const auto size = static_cast<ssize_t>(text.size() + 1);
+  return writev(fd, parts, 2) == size;
+}
+
+enum class attempt { done, no_directory, failed };
+
+attempt replace_value(int root, std::string_view key, value_type type, std::string_view text) {
+  const path_text temporary = temporary_path(key);
+  bool written = false;
+  {
+    const descriptor file{
+        openat(root, temporary.text, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR)};
+    if (!file) {
+      return errno == ENOENT ? attempt::no_directory : attempt::failed;
+    }
+    written = write_whole(file.get(), type, text);
+  }
+  if (written && renameat(root, temporary.text, root, value_path(key).text) == 0) {
+    return attempt::done;
+  }
+  const bool gone = written && errno == ENOENT;
+  unlinkat(root, temporary.text, 0);
+  return gone ? attempt::no_directory : attempt::failed;
+}
+
+// The rest of a value whose beginning is known, or null.
+owned_text read_rest(int fd, const char* beginning, size_t known) {
+  struct stat status {};
+  if (fstat(fd, &status) != 0 || status.st_size > static_cast<off_t>(max_value_size + 1)) {
+    return nullptr;
+  }
+  const auto size = static_cast<size_t>(status.st_size);
+  owned_text text{static_cast<char*>(malloc(size))};
+  if (!text) {
+    return nullptr;
+  }
+  memcpy(text.get(), beginning + 1, known - 1);
+  size_t filled = known - 1;
+  while (filled < size - 1) {
+    const ssize_t more = read(fd, text.get() + filled, size - 1 - filled);
+    if (more <= 0) {
+      return nullptr;
+    }
+    filled += static_cast<size_t>(more);
+  }
+  text.get()[filled] = '\0';
+  return text;
+}
+
+int read_open_value(int fd, value& result) {
+  char beginning[4096];
+  const ssize_t got = read(fd, beginning, sizeof beginning);
+  if (got < 1) {
+    return VCONF_ERROR_STORE;
+  }
+  const auto known = static_cast<size_t>(got);
+  result.type = static_cast<value_type>(beginning[0]);
+  result.text = known < sizeof beginning ? owned_text{strndup(beginning + 1, known - 1)}
+                                         : read_rest(fd, beginning, known);
+  return result.text ? 0 : VCONF_ERROR_STORE;
+}
+
+int open_value(const path_text& path) {
+  const int root = root_descriptor(false);
+  const int fd = openat(root, path.text, O_RDONLY | O_CLOEXEC);
+  if (fd >= 0 || root < 0 || errno != ENOENT || !root_was_removed(root)) {
+    return fd;
+  }
+  return openat(root_descriptor(false, true), path.text, O_RDONLY | O_CLOEXEC);
+}
+
+}  // namespace
+
+int root_descriptor(bool make, bool again) {
+  static std::mutex guard;
+  static int root = -1;
+  static std::atomic<int> checked{-1};
+  const int known = checked.load(std::memory_order_acquire);
+  if (known >= 0 && !again) {
+    return known;
+  }
+  const std::lock_guard lock{guard};
+  platform::root_check why{};
+  const int fresh = open_root(make, why);
+  report_once(why);
+  if (root >= 0 && fresh >= 0) {
+    dup3(fresh, root, O_CLOEXEC);  // other threads may be using the number
+    close(fresh);
+  } else if (fresh >= 0) {
+    root = fresh;
+  }
+  checked.store(fresh >= 0 ? root : -1, std::memory_order_release);
+  return checked;
+}
+
+bool make_key_directory(int root, std::string_view key) {
+  path_text path;
+  key.copy(path.text, key.size());
+  for (size_t end = key.find('/'); true; end = key.find('/', end + 1)) {
+    const size_t length = end == std::string_view::npos ? key.size() : end;
+    path.text[length] = '\0';
+    if (mkdirat(root, path.text, S_IRWXU) != 0 && errno != EEXIST) {
+      return false;
+    }
+    if (length == key.size()) {
+      return true;
+    }
+    path.text[length] = '/';
+  }
+}
+
+int read_value(const char* key, value& result) {
+  if (key == nullptr || !valid_key(key)) {
+    return VCONF_ERROR_NO_KEY;
+  }
+  if (root_descriptor(false) < 0) {
+    return VCONF_ERROR_STORE;
+  }
+  const descriptor file{open_value(value_path(key))};
+  if (!file) {
+    return errno == ENOENT ? VCONF_ERROR_NO_KEY : VCONF_ERROR_STORE;
+  }
+  return read_open_value(file.get(), result);
+}
+
+int write_value(const char* key, value_type type, std::string_view text) {
+  if (key == nullptr || !valid_key(key)) {
+    return VCONF_ERROR_NO_KEY;
+  }
+  int root = root_descriptor(true);
+  for (int tried = 0; root >= 0 && tried < write_attempts; ++tried) {
+    sweep_once(root, key, key);
+    const attempt outcome = replace_value(root, key, type, text);
+    if (outcome != attempt::no_directory) {
+      return outcome == attempt::done ? 0 : VCONF_ERROR_STORE;
+    }
+    if (root_was_removed(root)) {
+      root = root_descriptor(true, true);
+    }
+    if (root >= 0 && !make_key_directory(root, key) && errno != ENOENT) {
+      break;
+    }
+  }
+  return VCONF_ERROR_STORE;
+}
+
+}  // namespace vconf
