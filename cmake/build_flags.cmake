@@ -9,12 +9,13 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_C_VISIBILITY_PRESET hidden)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
-set(CMAKE_SKIP_INSTALL_RPATH OFF)
+# An installed tree works wherever it is put.
+set(CMAKE_INSTALL_RPATH "$ORIGIN:$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
 
 add_compile_definitions(_GNU_SOURCE _FILE_OFFSET_BITS=64)
 add_compile_options(
   -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wformat=2 -Wundef
-  -Wcast-align -Wcast-qual -Wdouble-promotion -Wnull-dereference -Wvla -Werror
+  -Wcast-align -Wcast-qual -Wdouble-promotion -Wvla -Werror
   $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor> $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast>
   $<$<COMPILE_LANGUAGE:CXX>:-Woverloaded-virtual> $<$<COMPILE_LANGUAGE:CXX>:-Wextra-semi>
   $<$<COMPILE_LANGUAGE:C>:-Wstrict-prototypes>)

@@ -1,0 +1,30 @@
+/* The command record and the commands' handlers.
+ *
+ * A handler answers through the result key, and through the result data key before it where it
+ * answers with a text; it reports nothing to its caller. It keeps neither the record nor the text,
+ * which stay the caller's. Neither may be null. Main loop's thread only.
+ */
+#ifndef ORV_COMMAND_H
+#define ORV_COMMAND_H
+
+#include <stdint.h>
+
+#include <orv/export.h>
+
+ORV_BEGIN_DECLS
+
+struct orv_command {
+  int32_t param1;
+  int32_t param2;
+  int32_t param3;
+  int32_t param4;
+  int32_t command; /* the command code */
+};
+
+/* Identity of the target: category, platform, model, board version, firmware version, byte-order
+ * code, build type and cis_no, joined by commas. Reads neither argument. Result 0, always. */
+ORV_API void orv_target_handler(struct orv_command* record, const char* data);
+
+ORV_END_DECLS
+
+#endif

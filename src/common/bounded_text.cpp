@@ -1,0 +1,32 @@
+#include "common/bounded_text.h"
+
+#include <stdarg.h>
+#include <stdio.h>
+#include <string.h>
+
+namespace orv {
+
+bool bounded_text::append(std::string_view piece) noexcept {
+  if (piece.size() > room()) {
+    return false;
+  }
+  memcpy(buffer_ + size_, piece.data(), piece.size());
+  size_ += piece.size();
+  buffer_[size_] = '\0';
+  return true;
+}
+
+bool bounded_text::format(const char* format, ...) noexcept {
+  va_list arguments;
+  va_start(arguments, format);
+  const int length = vsnprintf(buffer_ + size_, room() + 1, format, arguments);
+  va_end(arguments);
+  if (length < 0 || static_cast<size_t>(length) > room()) {
+    buffer_[size_] = '\0';
+    return false;
+  }
+  size_ += static_cast<size_t>(length);
+  return true;
+}
+
+}  // namespace orv
