@@ -1,0 +1,96 @@
+// orv-host: a host process for the agent. Loads the library, starts the agent, runs the default
+// main loop, and stops both on SIGTERM or SIGINT.
+
+#include <dlfcn.h>
+#include <errno.h>
+#include <glib-unix.h>
+#include <glib.h>
+#include <signal.h>
+#include <stdio.h>
+#include <string.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <fstream>
+#include <string>
+
+namespace {
+
+// Found through the program's run path: beside an installed host or in the build tree.
+constexpr char default_library[] = "liborv-agent.so.0";
+
+struct agent {
+  int (*start)(void);
+  void (*stop)(void);
+};
+
+template <class Function>
+bool find(void* library, const char* name, Function*& function) {
+  function = reinterpret_cast<Function*>(dlsym(library, name));
+  return function != nullptr;
+}
+
+bool load(const std::string& path, agent& loaded) {
+  void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_GLOBAL);
+  if (library == nullptr || !find(library, "orv_init_handler", loaded.start) ||
+      !find(library, "orv_destroy_handler", loaded.stop)) {
+    fprintf(stderr, "orv-host: cannot load the agent: %s\n", dlerror());
+    return false;
+  }
+  return true;
+}
+
+gboolean quit(gpointer loop) {
+  g_main_loop_quit(static_cast<GMainLoop*>(loop));
+  return G_SOURCE_CONTINUE;
+}
+
+// The agent leaves its log reader running in the background. As the reaper of what it started, the
+// host finds such processes among its own children and ends them.
+void end_children() {
+  std::ifstream children{"/proc/thread-self/children"};
+  for (pid_t child = 0; children >> child;) {
+    kill(child, SIGTERM);
+  }
+  while (wait(nullptr) > 0 || errno == EINTR) {
+  }
+}
+
+int run(const agent& loaded) {
+  GMainLoop* loop = g_main_loop_new(nullptr, FALSE);
+  g_unix_signal_add(SIGTERM, quit, loop);
+  g_unix_signal_add(SIGINT, quit, loop);
+  prctl(PR_SET_CHILD_SUBREAPER, 1);
+  const bool started = loaded.start() == 0;
+  if (started) {
+    puts("orv-host: the agent runs; SIGTERM or SIGINT ends it");
+    fflush(stdout);
+    g_main_loop_run(loop);
+    loaded.stop();
+    end_children();
+  } else {
+    fputs("orv-host: the agent did not start; the lines above and the log say why\n", stderr);
+  }
+  g_main_loop_unref(loop);
+  return started ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CLI::App app{"Load the test agent and run it on a main loop until SIGTERM or SIGINT."};
+  app.footer(
+      "The store and the log lie under the directory that ORV_PLATFORM_ROOT names.\n"
+      "Exit status: 0 ended by a signal, 1 the library or the agent failed, 2 wrong usage.");
+  std::string library = default_library;
+  app.add_option("-l,--library", library, "The agent's shared library")->capture_default_str();
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? 0 : 2;
+  }
+  agent loaded{};
+  return load(library, loaded) ? run(loaded) : 1;
+}

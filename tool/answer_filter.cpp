@@ -1,0 +1,67 @@
+#include "answer_filter.h"
+
+#include <orv/protocol.h>
+
+#include <utility>
+
+#include "command_names.h"
+
+namespace orvctl {
+namespace {
+
+constexpr std::string_view packet_start = "848,";
+
+// A stop answers three times: from the monitor's close, for the stop, and with the health check,
+// which is the verdict.
+int results_of(const command& sent) {
+  const bool stops_monitor =
+      sent.code == ORV_COMMAND_MONITOR && sent.parameters[1] == ORV_MONITOR_STOP;
+  return stops_monitor ? 3 : 1;
+}
+
+}  // namespace
+
+answer_filter::answer_filter(const command& sent)
+    : wants_text_{describe(sent.code).answers_with == reply::text},
+      takes_any_{describe(sent.code).answers_with == reply::unknown},
+      text_start_{describe(sent.code).text_start},
+      results_left_{results_of(sent)} {}
+
+void answer_filter::command_seen() {
+  sent_ = true;
+}
+
+void answer_filter::text_seen(std::optional<std::string> text) {
+  text_pending_ = true;
+  text_.reset();
+  if (sent_ && text && is_own_text(*text)) {
+    text_ = std::move(text);
+  }
+}
+
+std::optional<answer> answer_filter::result_seen(int result) {
+  const bool belongs_to_text = std::exchange(text_pending_, false);
+  if (!sent_) {
+    return std::nullopt;
+  }
+  if (belongs_to_text) {
+    return text_ ? std::optional{answer{result, std::move(text_)}} : std::nullopt;
+  }
+  if (wants_text_ || --results_left_ > 0) {
+    return std::nullopt;
+  }
+  return answer{result, std::nullopt};
+}
+
+bool answer_filter::is_own_text(std::string_view text) const {
+  if (text.starts_with(packet_start) || !(wants_text_ || takes_any_)) {
+    return false;
+  }
+  if (!text_start_.empty()) {
+    return text.starts_with(text_start_);
+  }
+  // A query without a beginning of its own: not what another query answers.
+  return !text.empty() && (takes_any_ || !begins_like_a_query(text));
+}
+
+}  // namespace orvctl

@@ -1,0 +1,43 @@
+// Which of the store's changes are the answer to a command.
+//
+// All changes that the tool watches arrive in the order in which they were made. A query's answer
+// and a monitor's tick write the result data key and then the result key; any other answer writes
+// the result key alone. So a result that follows a text belongs to that text, and the text tells
+// whose it is.
+#ifndef ORV_TOOL_ANSWER_FILTER_H
+#define ORV_TOOL_ANSWER_FILTER_H
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "exchange.h"
+
+namespace orvctl {
+
+class answer_filter {
+ public:
+  explicit answer_filter(const command& sent);
+
+  // The command key was written. What came before it answers something else.
+  void command_seen();
+  // The result data key was written and now holds this text.
+  void text_seen(std::optional<std::string> text);
+  // The result key was written and now holds this number. The answer, once it is complete.
+  std::optional<answer> result_seen(int result);
+
+ private:
+  [[nodiscard]] bool is_own_text(std::string_view text) const;
+
+  bool wants_text_;
+  bool takes_any_;
+  std::string_view text_start_;
+  int results_left_;
+  bool sent_ = false;
+  bool text_pending_ = false;
+  std::optional<std::string> text_;
+};
+
+}  // namespace orvctl
+
+#endif

@@ -1,0 +1,60 @@
+#include <stdio.h>
+
+#include "command_names.h"
+#include "subcommand.h"
+
+#include <orv/protocol.h>
+#include <platform_root.h>
+
+namespace orvctl {
+namespace {
+
+void tell_no_answer(const context& shared, const command& sent) {
+  const bool silent = describe(sent.code).answers_with == reply::none;
+  fprintf(stderr,
+          "orvctl: no answer in %g s: waited for %s to be written after command %s in %s; %s\n",
+          shared.timeout_s, VCONFKEY_ORV_RESULT, to_text(sent.code).c_str(), shared.store.c_str(),
+          silent ? "the agent accepts this command without answering" : "is a host running?");
+}
+
+int tell(const context& shared, const command& sent, exchange_error error) {
+  switch (error) {
+    case exchange_error::none:
+      break;
+    case exchange_error::no_answer:
+      tell_no_answer(shared, sent);
+      return status_no_answer;
+    case exchange_error::busy:
+      fprintf(stderr, "orvctl: another orvctl has been busy on %s for %g s; try again\n",
+              shared.store.c_str(), shared.timeout_s);
+      return status_no_answer;
+    case exchange_error::store_failed:
+      fprintf(stderr,
+              "orvctl: the store %s cannot be written or watched; is its file system full?\n",
+              shared.store.c_str());
+      return status_usage;
+  }
+  return status_success;
+}
+
+}  // namespace
+
+std::optional<answer> ask(context& shared, const command& sent) {
+  const platform::root_check store = platform::check_root(shared.store);
+  if (store.state != platform::root_state::usable) {
+    fprintf(stderr, "orvctl: store %s\n", store.reason.c_str());
+    shared.status = status_usage;
+    return std::nullopt;
+  }
+  const std::chrono::duration<double> timeout{shared.timeout_s};
+  exchange_outcome outcome =
+      exchange(shared.store, sent, std::chrono::duration_cast<std::chrono::milliseconds>(timeout));
+  if (outcome.error != exchange_error::none) {
+    shared.status = tell(shared, sent, outcome.error);
+    return std::nullopt;
+  }
+  shared.status = outcome.answered.result == ORV_RESULT_OK ? status_success : status_failure;
+  return std::move(outcome.answered);
+}
+
+}  // namespace orvctl

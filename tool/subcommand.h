@@ -1,0 +1,32 @@
+// The tool's subcommands. Each describes its own options, on which parser and help rest, and runs
+// when it was given.
+#ifndef ORV_TOOL_SUBCOMMAND_H
+#define ORV_TOOL_SUBCOMMAND_H
+
+#include <CLI/CLI.hpp>
+#include <optional>
+#include <string>
+
+#include "exchange.h"
+
+namespace orvctl {
+
+enum exit_status { status_success = 0, status_failure = 1, status_usage = 2, status_no_answer = 3 };
+
+struct context {
+  double timeout_s = 5;
+  std::string store;
+  int status = status_success;
+};
+
+void add_target(CLI::App& app, context& shared);
+void add_send(CLI::App& app, context& shared);
+void add_log(CLI::App& app, context& shared);
+
+// Runs the exchange; a failure is told on standard error and becomes the exit status. With an
+// answer, the exit status is the answer's.
+std::optional<answer> ask(context& shared, const command& sent);
+
+}  // namespace orvctl
+
+#endif

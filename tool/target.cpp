@@ -1,0 +1,102 @@
+#include "target.h"
+
+#include <stdio.h>
+
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "numbers.h"
+#include "subcommand.h"
+
+#include <orv/protocol.h>
+
+namespace orvctl {
+namespace {
+
+std::optional<std::string_view> take_first(std::string_view& text) {
+  const size_t comma = text.find(',');
+  if (comma == std::string_view::npos) {
+    return std::nullopt;
+  }
+  const std::string_view field = text.substr(0, comma);
+  text.remove_prefix(comma + 1);
+  return field;
+}
+
+std::optional<std::string_view> take_last(std::string_view& text) {
+  const size_t comma = text.rfind(',');
+  if (comma == std::string_view::npos) {
+    return std::nullopt;
+  }
+  const std::string_view field = text.substr(comma + 1);
+  text.remove_suffix(text.size() - comma);
+  return field;
+}
+
+void print_table(const target& found) {
+  printf("category    %s\n", found.category.c_str());
+  printf("platform    %s\n", found.platform.c_str());
+  printf("model       %s\n", found.model.c_str());
+  printf("board       %s\n", found.board.c_str());
+  printf("firmware    %s\n", found.firmware.c_str());
+  printf("byte order  %s\n", hexadecimal(found.byte_order).c_str());
+  printf("build       %s\n", found.build_type.c_str());
+  printf("cis_no      %d\n", found.cis_no);
+}
+
+void print_json(const target& found) {
+  const nlohmann::ordered_json object{
+      {"category", found.category},     {"platform", found.platform},
+      {"model", found.model},           {"board", found.board},
+      {"firmware", found.firmware},     {"byte_order", found.byte_order},
+      {"build_type", found.build_type}, {"cis_no", found.cis_no}};
+  puts(object.dump(2, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
+}
+
+void run(context& shared, bool json) {
+  const auto answered = ask(shared, {ORV_COMMAND_TARGET_INFO, {}, {}});
+  if (!answered) {
+    return;
+  }
+  const auto found = parse_target(*answered->text);
+  if (!found) {
+    fprintf(stderr, "orvctl: the agent's answer is no target identity: %s\n",
+            answered->text->c_str());
+    shared.status = status_failure;
+    return;
+  }
+  json ? print_json(*found) : print_table(*found);
+}
+
+}  // namespace
+
+std::optional<target> parse_target(std::string_view text) {
+  const auto category = take_first(text);
+  const auto platform = take_first(text);
+  const auto model = take_first(text);
+  const auto board = take_first(text);
+  const auto cis_no = take_last(text);
+  const auto build_type = take_last(text);
+  const auto byte_order = take_last(text);
+  if (!board || !byte_order) {
+    return std::nullopt;
+  }
+  const auto order = parse_int(*byte_order);
+  const auto number = parse_int(*cis_no);
+  if (!order || !number) {
+    return std::nullopt;
+  }
+  return target{std::string{*category},   std::string{*platform},
+                std::string{*model},      std::string{*board},
+                std::string{text},        *order,
+                std::string{*build_type}, *number};
+}
+
+void add_target(CLI::App& app, context& shared) {
+  CLI::App* target = app.add_subcommand("target", "Ask the target who it is");
+  const auto json = std::make_shared<bool>(false);
+  target->add_flag("--json", *json, "Print a JSON object");
+  target->callback([&shared, json] { run(shared, *json); });
+}
+
+}  // namespace orvctl
