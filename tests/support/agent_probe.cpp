@@ -1,0 +1,162 @@
+#include "agent_probe.h"
+
+#include <dlog.h>
+#include <glib.h>
+#include <stdarg.h>
+#include <stdlib.h>
+#include <vconf.h>
+
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <utility>
+
+namespace orv_test {
+namespace {
+
+std::mutex log_guard;
+std::vector<log_record> records;
+std::vector<std::string> writes;
+std::map<std::pair<fault, std::string>, int> faults;
+
+const int* find_fault(fault kind, const char* key) {
+  const auto found = faults.find({kind, key});
+  return found == faults.end() ? nullptr : &found->second;
+}
+
+std::string message_of(const std::string& line) {
+  constexpr size_t colour = 5;
+  constexpr size_t reset = 4;
+  return line.size() < colour + reset ? line : line.substr(colour, line.size() - colour - reset);
+}
+
+}  // namespace
+
+std::vector<log_record> take_log() {
+  const std::lock_guard lock{log_guard};
+  return std::exchange(records, {});
+}
+
+std::vector<std::string> take_messages() {
+  std::vector<std::string> messages;
+  for (const log_record& one : take_log()) {
+    messages.push_back((one.priority == DLOG_ERROR ? "E " : "I ") + message_of(one.line));
+  }
+  return messages;
+}
+
+std::vector<std::string> take_writes() {
+  return std::exchange(writes, {});
+}
+
+void fail(fault kind, const std::string& key, int result) {
+  faults[{kind, key}] = result;
+}
+
+bool run_until(const std::function<bool()>& done, int deadline_ms) {
+  bool late = false;
+  GSource* timer = g_timeout_source_new(static_cast<guint>(deadline_ms));
+  g_source_set_callback(
+      timer,
+      [](gpointer flag) -> gboolean {
+        *static_cast<bool*>(flag) = true;
+        return G_SOURCE_REMOVE;
+      },
+      &late, nullptr);
+  g_source_attach(timer, nullptr);
+  while (!late && !done()) {
+    g_main_context_iteration(nullptr, TRUE);
+  }
+  g_source_destroy(timer);
+  g_source_unref(timer);
+  return done();
+}
+
+void AgentTest::SetUp() {
+  std::filesystem::remove_all(std::filesystem::path{getenv("ORV_PLATFORM_ROOT")} / "memory");
+  while (g_main_context_iteration(nullptr, FALSE) != FALSE) {
+  }
+  faults.clear();
+  take_log();
+  take_writes();
+}
+
+}  // namespace orv_test
+
+using orv_test::fault;
+
+// The linker gives these their names.
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+extern "C" {
+
+int __real_vconf_get_int(const char* key, int* value);
+char* __real_vconf_get_str(const char* key);
+int __real_vconf_set_int(const char* key, int value);
+int __real_vconf_set_str(const char* key, const char* value);
+int __real_vconf_notify_key_changed(const char* key, vconf_callback_fn callback, void* user_data);
+
+int __wrap_vconf_get_int(const char* key, int* value) {
+  const int* failing = orv_test::find_fault(fault::read, key);
+  return failing != nullptr ? *failing : __real_vconf_get_int(key, value);
+}
+
+char* __wrap_vconf_get_str(const char* key) {
+  return orv_test::find_fault(fault::read, key) != nullptr ? nullptr : __real_vconf_get_str(key);
+}
+
+int __wrap_vconf_set_int(const char* key, int value) {
+  orv_test::writes.push_back(std::string{key} + "=" + std::to_string(value));
+  const int* failing = orv_test::find_fault(fault::write, key);
+  return failing != nullptr ? *failing : __real_vconf_set_int(key, value);
+}
+
+int __wrap_vconf_set_str(const char* key, const char* value) {
+  orv_test::writes.push_back(std::string{key} + "=" + value);
+  const int* failing = orv_test::find_fault(fault::write, key);
+  return failing != nullptr ? *failing : __real_vconf_set_str(key, value);
+}
+
+int __wrap_vconf_notify_key_changed(const char* key, vconf_callback_fn callback, void* user_data) {
+  const int* failing = orv_test::find_fault(fault::notify, key);
+  return failing != nullptr ? *failing : __real_vconf_notify_key_changed(key, callback, user_data);
+}
+
+int __wrap___dlog_print(int log_id, int priority, const char* tag, const char* format, ...) {
+  EXPECT_STREQ(format, "%s: %s(%d) > %s");
+  va_list arguments;
+  va_start(arguments, format);
+  const char* file = va_arg(arguments, const char*);
+  const char* function = va_arg(arguments, const char*);
+  va_arg(arguments, int);
+  const char* line = va_arg(arguments, const char*);
+  const std::lock_guard lock{orv_test::log_guard};
+  orv_test::records.push_back({log_id, priority, tag, file, function, line});
+  va_end(arguments);
+  return 0;
+}
+
+}  // extern "C"
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+
+namespace orv_test {
+
+std::string text_at(const char* key) {
+  const std::unique_ptr<char, decltype(&free)> text{__real_vconf_get_str(key), free};
+  return text ? text.get() : "(none)";
+}
+
+int int_at(const char* key) {
+  int number = 0;
+  EXPECT_EQ(__real_vconf_get_int(key, &number), 0) << key;
+  return number;
+}
+
+void put(const char* key, const char* text) {
+  ASSERT_EQ(__real_vconf_set_str(key, text), 0);
+}
+void put(const char* key, int number) {
+  ASSERT_EQ(__real_vconf_set_int(key, number), 0);
+}
+
+}  // namespace orv_test

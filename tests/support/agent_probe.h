@@ -1,0 +1,57 @@
+// What a unit test sees of the agent: its log, its writes to the store, and faults of the platform
+// that cannot be brought about for real.
+//
+// The store behind it is the real stand-in on a root of the test process's own. Calls of the
+// platform that the agent's objects make are wrapped at link time (see orv_add_agent_test).
+#ifndef ORV_TESTS_SUPPORT_AGENT_PROBE_H
+#define ORV_TESTS_SUPPORT_AGENT_PROBE_H
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace orv_test {
+
+struct log_record {
+  int log_id;
+  int priority;
+  std::string tag;
+  std::string file;
+  std::string function;
+  std::string line;  // as handed to the system log, colours and all
+};
+
+// The records since the last call.
+std::vector<log_record> take_log();
+
+// The same, a record a text: "I " or "E ", then the message without colour and reset sequence.
+std::vector<std::string> take_messages();
+
+// The agent's writes since the last call, as "key=value", in order.
+std::vector<std::string> take_writes();
+
+enum class fault { read, write, notify };
+
+// From now on the agent's calls of this kind for this key answer with `result` (a text: null).
+void fail(fault kind, const std::string& key, int result = -1);
+
+// Values of the store, read and written past the probe. A missing text is "(none)".
+std::string text_at(const char* key);
+int int_at(const char* key);
+void put(const char* key, const char* text);
+void put(const char* key, int number);
+
+// Runs the default main context until `done` holds or the deadline passes; tells which.
+bool run_until(const std::function<bool()>& done, int deadline_ms = 5000);
+
+// Starts with an empty store, an empty log, no faults.
+class AgentTest : public ::testing::Test {
+ protected:
+  void SetUp() override;
+};
+
+}  // namespace orv_test
+
+#endif
