@@ -58,6 +58,6 @@ run_camera() {
   collect_mounts
   export ORV_PLATFORM_ROOT=${store:-$scratch/platform}
   # Through a descriptor, or the long list would stand in the camera's process table.
-  exec bwrap --args 3 bash "$libexec/inside.sh" "$scratch" "$display" "$app" "${command[@]}" \
-    3< <(printf '%s\0' "${namespaces[@]}" "${mounts[@]}")
+  exec 3< <(printf '%s\0' "${namespaces[@]}" "${mounts[@]}")
+  exec bwrap --args 3 bash "$libexec/inside.sh" "$scratch" "$display" "$app" "${command[@]}"
 }
