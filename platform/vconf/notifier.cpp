@@ -178,7 +178,15 @@ bool start_source() {
     perror("vconf: changes cannot be watched: inotify_init1");
     return false;
   }
-  g_unix_fd_add(inotify_fd, G_IO_IN, read_events, nullptr);
+  GSource* source = g_unix_fd_source_new(inotify_fd, G_IO_IN);
+  using callback = gboolean (*)(gint, GIOCondition, gpointer);
+  const callback reader = read_events;
+  g_source_set_callback(source, G_SOURCE_FUNC(reader), nullptr, nullptr);
+  // A source that may not recurse is taken out of the poll set for each dispatch, and putting it
+  // back wakes the loop a second time.
+  g_source_set_can_recurse(source, TRUE);
+  g_source_attach(source, nullptr);
+  g_source_unref(source);
   return true;
 }
 
