@@ -1,8 +1,9 @@
 #include "common/thread_line.h"
 
+#include <stdlib.h>
+
 #include <algorithm>
 #include <array>
-#include <charconv>
 
 #include "common/hex_address.h"
 
@@ -44,8 +45,9 @@ bool take_id(std::string_view token, char (&text)[N], int32_t& id) {
     return false;
   }
   copy_cut(text, token);
-  const std::string_view kept = text;
-  return std::from_chars(kept.begin(), kept.end(), id).ec == std::errc{};
+  const long long number = strtoll(text, nullptr, 10);
+  id = static_cast<int32_t>(number);
+  return number <= INT32_MAX;
 }
 
 }  // namespace
