@@ -29,13 +29,12 @@ struct key_set {
   const char* result;
 };
 
-constexpr key_set agent_keys = {
-    {VCONFKEY_ORV_COMMAND_PARAM1, VCONFKEY_ORV_COMMAND_PARAM2, VCONFKEY_ORV_COMMAND_PARAM3,
-     VCONFKEY_ORV_COMMAND_PARAM4},
-    VCONFKEY_ORV_COMMAND_DATA,
-    VCONFKEY_ORV_COMMAND,
-    VCONFKEY_ORV_RESULT_DATA,
-    VCONFKEY_ORV_RESULT};
+constexpr key_set agent_keys = {{VCONFKEY_ORV_COMMAND_PARAM1, VCONFKEY_ORV_COMMAND_PARAM2,
+                                 VCONFKEY_ORV_COMMAND_PARAM3, VCONFKEY_ORV_COMMAND_PARAM4},
+                                VCONFKEY_ORV_COMMAND_DATA,
+                                VCONFKEY_ORV_COMMAND,
+                                VCONFKEY_ORV_RESULT_DATA,
+                                VCONFKEY_ORV_RESULT};
 
 constexpr key_set bare_keys = {{"memory/raw/cmd_param1", "memory/raw/cmd_param2",
                                 "memory/raw/cmd_param3", "memory/raw/cmd_param4"},
@@ -44,7 +43,9 @@ constexpr key_set bare_keys = {{"memory/raw/cmd_param1", "memory/raw/cmd_param2"
                                "memory/raw/result_data",
                                "memory/raw/result"};
 
-void answered(keynode_t* /*node*/, void* flag) { *static_cast<bool*>(flag) = true; }
+void answered(keynode_t* /*node*/, void* flag) {
+  *static_cast<bool*>(flag) = true;
+}
 
 // One command as the tool sends it, and its answer read back.
 void run_command(const key_set& keys, bool& seen) {
@@ -78,8 +79,12 @@ void measure_commands(benchmark::State& state, const key_set& keys, const char* 
       static_cast<double>(server.wake_ups() - woken_before) / static_cast<double>(commands);
 }
 
-void whole_command(benchmark::State& state) { measure_commands(state, agent_keys, "agent"); }
-void bare_store(benchmark::State& state) { measure_commands(state, bare_keys, "store"); }
+void whole_command(benchmark::State& state) {
+  measure_commands(state, agent_keys, "agent");
+}
+void bare_store(benchmark::State& state) {
+  measure_commands(state, bare_keys, "store");
+}
 
 shared_counters* loop_counters = nullptr;
 

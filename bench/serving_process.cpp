@@ -43,7 +43,7 @@ serving_process::serving_process(const std::string& role, const std::string& arg
   }
   counters_ = new (map_counters(fd)) shared_counters{};
   const std::string fd_text = std::to_string(fd);
-  const char* arguments[] = {"orv-bench",      role_option,        role.c_str(),
+  const char* arguments[] = {"orv-bench",     role_option,      role.c_str(),
                              fd_text.c_str(), argument.c_str(), nullptr};
   if (posix_spawn(&pid_, "/proc/self/exe", nullptr, nullptr, const_cast<char**>(arguments),
                   environ) != 0) {

@@ -20,8 +20,8 @@ int run(const char* program, const char* argument) {
   posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
   const char* arguments[] = {program, argument, nullptr};
   pid_t child = -1;
-  const int error = posix_spawn(&child, program, &actions, nullptr,
-                                const_cast<char**>(arguments), environ);
+  const int error =
+      posix_spawn(&child, program, &actions, nullptr, const_cast<char**>(arguments), environ);
   posix_spawn_file_actions_destroy(&actions);
   int status = -1;
   if (error != 0 || waitpid(child, &status, 0) != child) {
@@ -44,7 +44,9 @@ void orvctl_target(benchmark::State& state) {
   measure(state, ORVCTL_PATH, "target");
 }
 
-void bin_true(benchmark::State& state) { measure(state, "/bin/true", nullptr); }
+void bin_true(benchmark::State& state) {
+  measure(state, "/bin/true", nullptr);
+}
 
 BENCHMARK(orvctl_target)->Name("tool/orvctl-target")->UseRealTime()->MinTime(0.3);
 BENCHMARK(bin_true)->Name("tool/bin-true")->UseRealTime()->MinTime(0.3);

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "answer_filter.h"
+#include "command_names.h"
 #include "tool_lock.h"
 
 namespace orvctl {
@@ -129,7 +130,7 @@ exchange_outcome exchange(const std::string& store, const command& sent, millise
       return settled;
     }
   }
-  lock.set_answer_outstanding(true);
+  lock.set_answer_outstanding(describe(sent.code).answers_with != reply::none);
   exchange_outcome outcome = send_and_wait(sent, timeout);
   if (outcome.error == exchange_error::none) {
     lock.set_answer_outstanding(false);

@@ -12,7 +12,12 @@ std::string one_line(const CLI::App* /*app*/, const CLI::Error& error) {
 }
 
 void describe(CLI::App& app, orvctl::context& shared) {
-  app.require_subcommand(1);
+  app.require_subcommand(0, 1);  // so that a wrong name is told as such
+  app.final_callback([&app] {
+    if (app.get_subcommands().empty()) {
+      throw CLI::RequiredError("A subcommand");
+    }
+  });
   app.failure_message(one_line);
   app.footer(
       "Exit status: 0 the agent answered with success, 1 it answered with failure,\n"

@@ -11,8 +11,9 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <functional>
 #include <mutex>
+#include <string>
+#include <unordered_set>
 
 #include "descriptor.h"
 #include "key_path.h"
@@ -69,14 +70,17 @@ void sweep(int root, const char* key) {
   closedir(entries);
 }
 
-// Sweeps before this process's first write of a key. Keys that share a bit share their sweep.
-void sweep_once(int root, std::string_view key, const char* key_text) {
-  static std::atomic<uint64_t> swept{0};
-  const uint64_t bit = uint64_t{1} << (std::hash<std::string_view>{}(key) % 64);
-  if ((swept.load(std::memory_order_relaxed) & bit) == 0) {
-    swept.fetch_or(bit);
-    sweep(root, key_text);
+// Sweeps before this process's first write of a key.
+void sweep_once(int root, const char* key) {
+  static std::mutex guard;
+  static std::unordered_set<std::string> swept;
+  {
+    const std::lock_guard lock{guard};
+    if (!swept.insert(key).second) {
+      return;
+    }
   }
+  sweep(root, key);
 }
 
 bool write_whole(int fd, value_type type, std::string_view text) {
@@ -213,7 +217,7 @@ int write_value(const char* key, value_type type, std::string_view text) {
   }
   int root = root_descriptor(true);
   for (int tried = 0; root >= 0 && tried < write_attempts; ++tried) {
-    sweep_once(root, key, key);
+    sweep_once(root, key);
     const attempt outcome = replace_value(root, key, type, text);
     if (outcome != attempt::no_directory) {
       return outcome == attempt::done ? 0 : VCONF_ERROR_STORE;

@@ -54,25 +54,6 @@ void fail(fault kind, const std::string& key, int result) {
   faults[{kind, key}] = result;
 }
 
-bool run_until(const std::function<bool()>& done, int deadline_ms) {
-  bool late = false;
-  GSource* timer = g_timeout_source_new(static_cast<guint>(deadline_ms));
-  g_source_set_callback(
-      timer,
-      [](gpointer flag) -> gboolean {
-        *static_cast<bool*>(flag) = true;
-        return G_SOURCE_REMOVE;
-      },
-      &late, nullptr);
-  g_source_attach(timer, nullptr);
-  while (!late && !done()) {
-    g_main_context_iteration(nullptr, TRUE);
-  }
-  g_source_destroy(timer);
-  g_source_unref(timer);
-  return done();
-}
-
 void AgentTest::SetUp() {
   std::filesystem::remove_all(std::filesystem::path{getenv("ORV_PLATFORM_ROOT")} / "memory");
   while (g_main_context_iteration(nullptr, FALSE) != FALSE) {

@@ -8,9 +8,10 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <vector>
+
+#include "main_loop.h"
 
 namespace orv_test {
 
@@ -42,9 +43,6 @@ std::string text_at(const char* key);
 int int_at(const char* key);
 void put(const char* key, const char* text);
 void put(const char* key, int number);
-
-// Runs the default main context until `done` holds or the deadline passes; tells which.
-bool run_until(const std::function<bool()>& done, int deadline_ms = 5000);
 
 // Starts with an empty store, an empty log, no faults.
 class AgentTest : public ::testing::Test {

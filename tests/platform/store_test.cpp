@@ -1,0 +1,322 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utime.h>
+#include <vconf.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "main_loop.h"
+#include "process.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using orv_test::background;
+using orv_test::run_until;
+
+fs::path root() {
+  return getenv("ORV_PLATFORM_ROOT");
+}
+
+std::string text_of(const char* key) {
+  const std::unique_ptr<char, decltype(&free)> text{vconf_get_str(key), free};
+  return text ? text.get() : "(none)";
+}
+
+int number_of(const char* key) {
+  int number = 12345;
+  const int outcome = vconf_get_int(key, &number);
+  EXPECT_TRUE(outcome == 0 || number == 12345) << "touched on failure";
+  return outcome == 0 ? number : outcome;
+}
+
+// Counts a key's notifications while it lives.
+class counter {
+ public:
+  explicit counter(std::string key) : key_{std::move(key)} {
+    EXPECT_EQ(vconf_notify_key_changed(key_.c_str(), count, this), 0);
+  }
+  counter(const counter&) = delete;
+  counter& operator=(const counter&) = delete;
+  ~counter() { vconf_ignore_key_changed(key_.c_str(), count); }
+
+  [[nodiscard]] bool reaches(int expected) const {
+    return run_until([&] { return seen_ >= expected; });
+  }
+  [[nodiscard]] int seen() const { return seen_; }
+  [[nodiscard]] const std::string& last_name() const { return name_; }
+  [[nodiscard]] int last_type() const { return type_; }
+
+ private:
+  static void count(keynode_t* node, void* self) {
+    auto& me = *static_cast<counter*>(self);
+    ++me.seen_;
+    me.name_ = vconf_keynode_get_name(node);
+    me.type_ = vconf_keynode_get_type(node);
+  }
+  std::string key_;
+  int seen_ = 0;
+  std::string name_;
+  int type_ = 0;
+};
+
+class Store : public testing::Test {
+ protected:
+  void SetUp() override { fs::remove_all(root()); }
+};
+
+TEST_F(Store, KeepsEveryValueExactly) {
+  for (const int number : {0, -1, INT_MAX, INT_MIN}) {
+    ASSERT_EQ(vconf_set_int("memory/a/int", number), 0);
+    EXPECT_EQ(number_of("memory/a/int"), number);
+  }
+  std::string bytes;
+  for (int c = 1; c < 256; ++c) {
+    bytes.push_back(static_cast<char>(c));
+  }
+  for (const size_t length : {0U, 1U, 4094U, 4095U, 4096U, 131072U, 1048576U}) {
+    SCOPED_TRACE(length);
+    std::string text;
+    while (text.size() < length) {
+      text += bytes.substr(0, length - text.size());
+    }
+    ASSERT_EQ(vconf_set_str("memory/a/text", text.c_str()), 0);
+    EXPECT_TRUE(text_of("memory/a/text") == text);
+  }
+  EXPECT_LT(vconf_set_str("memory/a/text", std::string(1048577, 'x').c_str()), 0);
+  EXPECT_EQ(text_of("memory/a/text").size(), 1048576U);
+}
+
+TEST_F(Store, TellsAMissingKeyFromOneOfAnotherType) {
+  EXPECT_EQ(number_of("memory/none"), VCONF_ERROR_STORE);  // not even a root
+  ASSERT_EQ(vconf_set_str("memory/text", "12"), 0);
+  ASSERT_EQ(vconf_set_int("memory/int", 12), 0);
+  EXPECT_EQ(number_of("memory/none"), VCONF_ERROR_NO_KEY);
+  EXPECT_EQ(number_of("memory/text"), VCONF_ERROR_TYPE);
+  EXPECT_EQ(text_of("memory/int"), "(none)");
+  EXPECT_EQ(number_of("memory"), VCONF_ERROR_NO_KEY);
+}
+
+TEST_F(Store, RefusesNamesThatLeaveItsTree) {
+  ASSERT_EQ(vconf_set_int("memory/a", 1), 0);
+  const std::string long_part(256, 'x');
+  std::string long_key = "x";
+  while (long_key.size() < 1024) {
+    long_key += "/x";
+  }
+  for (const std::string& key :
+       {std::string{""}, std::string{"/memory/a"}, std::string{"memory/../a"}, std::string{".."},
+        std::string{"memory//a"}, std::string{"memory/a/"}, std::string{"memory/./a"},
+        std::string{"memory/.value"}, long_part, long_key}) {
+    SCOPED_TRACE(key);
+    EXPECT_LT(vconf_set_int(key.c_str(), 1), 0);
+    EXPECT_LT(vconf_set_str(key.c_str(), "x"), 0);
+    EXPECT_LT(number_of(key.c_str()), 0);
+    EXPECT_LT(vconf_notify_key_changed(
+                  key.c_str(), [](keynode_t*, void*) {}, nullptr),
+              0);
+  }
+  EXPECT_FALSE(fs::exists(root().parent_path() / "a"));
+}
+
+TEST_F(Store, DeliversEveryWriteOnce) {
+  const counter numbers{"memory/w/number"};
+  const counter texts{"memory/w/text"};
+  for (int i = 0; i < 500; ++i) {
+    vconf_set_int("memory/w/number", 7);  // the same value, unread: must not merge
+  }
+  vconf_set_str("memory/w/text", "x");
+  vconf_set_int("memory/w/number/below", 1);  // a key below a watched one is another key
+  ASSERT_TRUE(texts.reaches(1));
+  EXPECT_EQ(numbers.seen(), 500);
+  EXPECT_EQ(texts.seen(), 1);
+  EXPECT_EQ(numbers.last_name(), "memory/w/number");
+  EXPECT_EQ(numbers.last_type(), VCONF_TYPE_INT);
+  EXPECT_NE(texts.last_type(), VCONF_TYPE_INT);
+}
+
+TEST_F(Store, DeliversTheWritesOfOtherProcesses) {
+  const counter seen{"memory/w"};
+  const auto writer = [] {
+    for (int i = 0; i < 300; ++i) {
+      vconf_set_int("memory/w", i);
+    }
+    return 0;
+  };
+  background one{writer};
+  background two{writer};
+  ASSERT_TRUE(seen.reaches(600));
+  EXPECT_EQ(one.wait(), 0);
+  EXPECT_EQ(two.wait(), 0);
+  EXPECT_FALSE(run_until([&] { return seen.seen() > 600; }, 50));
+}
+
+void ignore_itself(keynode_t* node, void* count) {
+  ++*static_cast<int*>(count);
+  vconf_ignore_key_changed(vconf_keynode_get_name(node), ignore_itself);
+}
+
+TEST_F(Store, EndsADeliveryWhenACallbackRemovesItself) {
+  int calls = 0;
+  ASSERT_EQ(vconf_notify_key_changed("memory/w", ignore_itself, &calls), 0);
+  const counter other{"memory/w"};
+  for (int i = 0; i < 3; ++i) {
+    vconf_set_int("memory/w", i);
+  }
+  ASSERT_TRUE(other.reaches(3));
+  EXPECT_EQ(calls, 1);
+  EXPECT_LT(vconf_ignore_key_changed("memory/w", ignore_itself), 0);
+}
+
+TEST_F(Store, LooksAgainAfterTheEventQueueOverflowed) {
+  std::ifstream limit_file{"/proc/sys/fs/inotify/max_queued_events"};
+  int limit = 0;
+  ASSERT_TRUE(limit_file >> limit);
+  const counter flooded{"memory/flooded"};
+  const counter late{"memory/late"};
+  for (int i = 0; i < limit + 10; ++i) {
+    ASSERT_EQ(vconf_set_int("memory/flooded", i), 0);
+  }
+  vconf_set_int("memory/late", 1);  // its event finds no room
+  ASSERT_TRUE(late.reaches(1));
+  const int before = flooded.seen();
+  vconf_set_int("memory/flooded", 0);
+  EXPECT_TRUE(flooded.reaches(before + 1));
+}
+
+TEST_F(Store, WatchesAgainAfterTheTreeWasRemoved) {
+  const counter seen{"memory/deep/key"};
+  for (const char* removed : {"memory/deep/key", "memory", ""}) {
+    SCOPED_TRACE(removed);
+    const int before = seen.seen();
+    fs::remove_all(root() / removed);
+    vconf_set_int("memory/deep/key", 1);
+    ASSERT_TRUE(seen.reaches(before + 1));
+    vconf_set_int("memory/deep/key", 2);
+    ASSERT_TRUE(seen.reaches(before + 2));
+    EXPECT_EQ(number_of("memory/deep/key"), 2);
+  }
+  fs::rename(root() / "memory/deep/key", root() / "memory/deep/moved");
+  const int before = seen.seen();
+  vconf_set_int("memory/deep/key", 3);
+  EXPECT_TRUE(seen.reaches(before + 1));
+}
+
+// A value that says of itself whether it is whole.
+std::string self_describing(uint32_t seed) {
+  const size_t length = 1 + seed % 100'000;
+  return std::to_string(length) + ":" + std::string(length, static_cast<char>('a' + seed % 26));
+}
+
+bool is_whole(const std::string& text) {
+  const size_t colon = text.find(':');
+  return colon != std::string::npos && text.size() - colon - 1 == std::stoul(text) &&
+         text.find_first_not_of(text.back(), colon + 1) == std::string::npos;
+}
+
+int write_for_ever(uint32_t seed) {
+  std::minstd_rand random{seed};
+  while (true) {
+    vconf_set_str("memory/hammer", self_describing(static_cast<uint32_t>(random())).c_str());
+  }
+}
+
+TEST_F(Store, ShowsOnlyWholeValuesWhateverMomentAWriterIsKilledAt) {
+  ASSERT_EQ(vconf_set_str("memory/hammer", "1:a"), 0);
+  std::minstd_rand random{42};
+  const auto new_writer = [&] {
+    const auto seed = static_cast<uint32_t>(random());
+    return std::make_unique<background>([seed] { return write_for_ever(seed); });
+  };
+  std::unique_ptr<background> writers[] = {new_writer(), new_writer()};
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds{3};
+  auto next_kill = std::chrono::steady_clock::now();
+  int reads = 0;
+  int torn = 0;
+  while (std::chrono::steady_clock::now() < deadline) {
+    ++reads;
+    torn += is_whole(text_of("memory/hammer")) ? 0 : 1;
+    if (std::chrono::steady_clock::now() >= next_kill) {
+      writers[random() % 2] = new_writer();  // the old one is killed
+      next_kill += std::chrono::milliseconds{3 + random() % 20};
+    }
+  }
+  EXPECT_GT(reads, 500);
+  EXPECT_EQ(torn, 0) << "of " << reads << " reads";
+}
+
+TEST_F(Store, SweepsWhatKilledWritersLeftBehind) {
+  ASSERT_EQ(vconf_set_int("memory/orv/cmd", 1), 0);
+  const fs::path old_file = root() / "memory/orv/cmd/.t0123";
+  const fs::path new_file = root() / "memory/orv/cmd/.t4567";
+  std::ofstream{old_file} << "i2";
+  std::ofstream{new_file} << "i3";
+  const utimbuf long_ago{1, 1};
+  ASSERT_EQ(utime(old_file.c_str(), &long_ago), 0);
+  // A process that writes the key for its first time.
+  EXPECT_EQ(orv_test::run({"orvctl", "send", "heartbeat", "--timeout", "0.01"}).status, 3);
+  EXPECT_FALSE(fs::exists(old_file));
+  EXPECT_TRUE(fs::exists(new_file)) << "may be another writer's";
+}
+
+struct refusal {
+  const char* description;
+  std::function<void(const fs::path&)> prepare;
+  const char* message;
+};
+
+TEST_F(Store, RefusesARootThatOthersCanReach) {
+  const refusal rows[] = {
+      {"open to others",
+       [](const fs::path& path) {
+         fs::create_directory(path);
+         chmod(path.c_str(), 0750);
+       },
+       "is open to others (mode 0750)"},
+      {"a file", [](const fs::path& path) { std::ofstream{path} << "x"; }, "directory"},
+      {"a link", [](const fs::path& path) { fs::create_directory_symlink("/dev/shm", path); },
+       "directory"},
+      {"someone else's",
+       [](const fs::path& path) {
+         fs::create_directory(path);
+         chmod(path.c_str(), 0700);
+         [[maybe_unused]] const int ignored = chown(path.c_str(), 12345, 12345);
+       },
+       "belongs to user 12345"},
+  };
+  for (const refusal& row : rows) {
+    SCOPED_TRACE(row.description);
+    const fs::path path = root().string() + "-refused";
+    fs::remove_all(path);
+    row.prepare(path);
+    struct stat status {};
+    if (strcmp(row.description, "someone else's") == 0 &&
+        (stat(path.c_str(), &status) != 0 || status.st_uid != 12345)) {
+      fs::remove_all(path);
+      continue;  // only root can give a directory away
+    }
+    const auto told = orv_test::run({"orvctl", "--store", path, "target"});
+    EXPECT_EQ(told.status, 2);
+    EXPECT_THAT(told.err, testing::HasSubstr(row.message));
+    EXPECT_EQ(std::count(told.err.begin(), told.err.end(), '\n'), 1) << told.err;
+    const auto host = orv_test::run({"env", "ORV_PLATFORM_ROOT=" + path.string(), "orv-host"});
+    EXPECT_EQ(host.status, 1);
+    EXPECT_THAT(host.err, testing::HasSubstr(row.message));
+    fs::remove_all(path);
+  }
+}
+
+}  // namespace

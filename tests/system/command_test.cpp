@@ -1,0 +1,168 @@
+// The agent in its host, driven from outside as a test tool does it.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <orv/protocol.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <vconf.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "main_loop.h"
+#include "process.h"
+
+namespace {
+
+using orv_test::background;
+using orv_test::eventually;
+using orv_test::outcome;
+using orv_test::run;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+constexpr char identity[] = "CSC,Q7,LUMEN-ONE,EVT2,LUMEN-ONE_1.04.2_20260830,240,RELEASE,0";
+
+int result_key() {
+  int result = 99;
+  vconf_get_int(VCONFKEY_ORV_RESULT, &result);
+  return result;
+}
+
+// orv-host on the test's root.
+class Camera : public testing::Test {
+ protected:
+  void SetUp() override {
+    vconf_set_int(VCONFKEY_ORV_RESULT, 99);
+    host_ = std::make_unique<background>(std::vector<std::string>{"orv-host"});
+    // The agent's start resets the keys, so a command that comes too early is lost.
+    ASSERT_TRUE(eventually([] {
+      return run({"orvctl", "--timeout", "0.1", "target"}).status == 0;
+    }));
+  }
+
+  void TearDown() override {
+    if (host_) {
+      end_host();
+    }
+  }
+
+  void end_host() {
+    host_->signal(SIGTERM);
+    EXPECT_EQ(host_->wait(), 0);
+    host_.reset();
+  }
+
+  std::unique_ptr<background> host_;
+};
+
+int one_line(const outcome& told) {
+  return static_cast<int>(std::count(told.err.begin(), told.err.end(), '\n'));
+}
+
+TEST_F(Camera, AnswersEachOfManyCommandsOnce) {
+  int answers = 0;
+  const auto count = [](keynode_t*, void* seen) { ++*static_cast<int*>(seen); };
+  ASSERT_EQ(vconf_notify_key_changed(VCONFKEY_ORV_RESULT, count, &answers), 0);
+  for (int i = 1; i <= 1000; ++i) {
+    vconf_set_int(VCONFKEY_ORV_COMMAND, ORV_COMMAND_TARGET_INFO);
+    ASSERT_TRUE(orv_test::run_until([&] { return answers == i; })) << i;
+  }
+  vconf_ignore_key_changed(VCONFKEY_ORV_RESULT, count);
+}
+
+TEST_F(Camera, TellsItsIdentity) {
+  const outcome table = run({"orvctl", "target"});
+  EXPECT_THAT(table.out, HasSubstr("firmware    LUMEN-ONE_1.04.2_20260830\n"));
+  EXPECT_THAT(run({"orvctl", "target", "--json"}).out, HasSubstr("\"byte_order\": 240"));
+  EXPECT_EQ(run({"orvctl", "send", "0x208", "1", "-2", "0x3", "4", "--data", "x"}).out,
+            std::string{"result 0\ndata   "} + identity + "\n");
+}
+
+TEST_F(Camera, IsSilentOnCodesWithoutAHandler) {
+  for (const char* code : {"heartbeat", "0x999", "0"}) {
+    SCOPED_TRACE(code);
+    vconf_set_int(VCONFKEY_ORV_RESULT, 7);
+    const outcome told = run({"orvctl", "--timeout", "0.1", "send", code});
+    EXPECT_EQ(told.status, 3);
+    EXPECT_EQ(one_line(told), 1) << told.err;
+    EXPECT_THAT(told.err, HasSubstr("waited for memory/orv/result"));
+    EXPECT_EQ(result_key(), 7);
+    EXPECT_EQ(run({"orvctl", "target"}).status, 0) << "not well afterwards";
+  }
+}
+
+TEST_F(Camera, LateAnswersAreNotTakenForNewOnes) {
+  host_->signal(SIGSTOP);
+  EXPECT_EQ(run({"orvctl", "--timeout", "0.1", "send", "0x208"}).status, 3);
+  EXPECT_EQ(run({"orvctl", "--timeout", "0.1", "send", "0x208"}).status, 3);
+  host_->signal(SIGCONT);
+  // Nothing answers this code: whatever comes now is late.
+  const outcome told = run({"orvctl", "--timeout", "0.3", "send", "0x999"});
+  EXPECT_EQ(told.status, 3) << told.out;
+}
+
+TEST_F(Camera, ServesToolsInTurn) {
+  const auto ask = [] {
+    for (int i = 0; i < 20; ++i) {
+      if (run({"orvctl", "target"}).status != 0) {
+        return 1;
+      }
+    }
+    return 0;
+  };
+  background one{ask};
+  background two{ask};
+  EXPECT_EQ(one.wait(20000), 0);
+  EXPECT_EQ(two.wait(20000), 0);
+}
+
+TEST_F(Camera, EndsCleanlyWithItsHost) {
+  const auto log_readers = [] { return run({"pgrep", "-x", "dlogutil"}).out; };
+  EXPECT_TRUE(eventually([&] { return !log_readers().empty(); }));
+  end_host();
+  EXPECT_EQ(log_readers(), "");
+  const outcome told = run({"orvctl", "--timeout", "0.1", "target"});
+  EXPECT_EQ(told.status, 3);
+  EXPECT_THAT(told.err, HasSubstr("is a host running?"));
+  EXPECT_EQ(one_line(told), 1);
+}
+
+TEST(Tool, TellsWrongUsageInOneLine) {
+  const std::pair<std::vector<std::string>, const char*> rows[] = {
+      {{"orvctl"}, "subcommand"},
+      {{"orvctl", "nonsense"}, "nonsense"},
+      {{"orvctl", "send"}, "CODE is required"},
+      {{"orvctl", "send", "heartbaet"}, "no command \"heartbaet\""},
+      {{"orvctl", "send", "0x1ffffffff"}, "no command"},
+      {{"orvctl", "send", "1", "2", "3", "4", "5", "6"}, "At Most 4"},
+      {{"orvctl", "send", "1", "x"}, "no 32-bit number"},
+      {{"orvctl", "target", "--timeout", "-1"}, "timeout"},
+      {{"orvctl", "target", "--store", "/nonexistent"}, "/nonexistent: No such file"},
+      {{"orvctl", "target", "--store", "/etc/passwd"}, "is not a directory"},
+  };
+  for (const auto& [words, message] : rows) {
+    SCOPED_TRACE(message);
+    const outcome told = run(words);
+    EXPECT_EQ(told.status, 2);
+    EXPECT_THAT(told.err, StartsWith("orvctl: "));
+    EXPECT_THAT(told.err, HasSubstr(message));
+    EXPECT_EQ(one_line(told), 1) << told.err;
+  }
+  EXPECT_FALSE(std::filesystem::exists("/nonexistent"));
+}
+
+TEST(Host, TellsWhyItCannotStart) {
+  const outcome missing = run({"orv-host", "--library", "/nonexistent.so"});
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_THAT(missing.err, HasSubstr("/nonexistent.so: cannot open"));
+  EXPECT_EQ(one_line(missing), 1);
+  const outcome foreign = run({"orv-host", "--library", "libc.so.6"});
+  EXPECT_EQ(foreign.status, 1);
+  EXPECT_THAT(foreign.err, HasSubstr("undefined symbol: orv_init_handler"));
+  EXPECT_EQ(run({"orv-host", "surplus"}).status, 2);
+}
+
+}  // namespace
