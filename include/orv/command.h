@@ -21,6 +21,11 @@ struct orv_command {
   int32_t command; /* the command code */
 };
 
+/* Keys and touches: hands record and text to the injector (orv/input.h) that param1 names,
+ * ORV_EVENT_KEY, ORV_EVENT_VIRTUAL_KEY or ORV_EVENT_TOUCH. Any other event type is logged and not
+ * answered. */
+ORV_API void orv_event_handler(struct orv_command* record, const char* data);
+
 /* Identity of the target: category, platform, model, board version, firmware version, byte-order
  * code, build type and cis_no, joined by commas. Reads neither argument. Result 0, always. */
 ORV_API void orv_target_handler(struct orv_command* record, const char* data);

@@ -21,7 +21,7 @@ inline constexpr command_row command_table[] = {
     {ORV_COMMAND_AGENT_START, nullptr, "agent_start"},
     {ORV_COMMAND_AGENT_STOP, nullptr, "agent_stop"},
     {ORV_COMMAND_HEARTBEAT, nullptr, "heartbeat"},
-    {ORV_COMMAND_EVENT, nullptr, "command"},
+    {ORV_COMMAND_EVENT, orv_event_handler, "command"},
     {ORV_COMMAND_OSD_IMAGE, nullptr, "osd_image"},
     {ORV_COMMAND_SET_CONFIG, nullptr, "set_config"},
     {ORV_COMMAND_MULTI_LANG, nullptr, "multi_lang"},
