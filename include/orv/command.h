@@ -40,6 +40,10 @@ ORV_API void orv_stack_handler(struct orv_command* record, const char* data);
  * commas. Reads neither argument. Result 0, always. */
 ORV_API void orv_heap_handler(struct orv_command* record, const char* data);
 
+/* Starts or stops the monitor that param1 names, or asks for the application's health; see
+ * <orv/monitor.h>. `data` is only logged. No answer for an unknown monitor (logged). */
+ORV_API void orv_monitor_handler(struct orv_command* record, const char* data);
+
 ORV_END_DECLS
 
 #endif
