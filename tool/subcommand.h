@@ -20,6 +20,8 @@ struct context {
 };
 
 void add_target(CLI::App& app, context& shared);
+void add_heap(CLI::App& app, context& shared);
+void add_stack(CLI::App& app, context& shared);
 void add_send(CLI::App& app, context& shared);
 void add_log(CLI::App& app, context& shared);
 
