@@ -36,6 +36,9 @@ void describe(CLI::App& app, orvctl::context& shared) {
     setenv("ORV_PLATFORM_ROOT", shared.store.c_str(), 1);
   });
   orvctl::add_target(app, shared);
+  orvctl::add_heap(app, shared);
+  orvctl::add_stack(app, shared);
+  orvctl::add_monitor(app, shared);
   orvctl::add_send(app, shared);
   orvctl::add_log(app, shared);
 }

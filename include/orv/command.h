@@ -30,6 +30,20 @@ ORV_API void orv_event_handler(struct orv_command* record, const char* data);
  * code, build type and cis_no, joined by commas. Reads neither argument. Result 0, always. */
 ORV_API void orv_target_handler(struct orv_command* record, const char* data);
 
+/* Stack of every thread: the command code and the number of threads, then a group for each thread
+ * of id, name, stack size in bytes, stack base and "$", every field followed by a comma. Groups
+ * that do not fit into 4095 characters are left out, the number stays. Blocks the main loop for one
+ * shell command a thread. Reads neither argument. Result 0, always. */
+ORV_API void orv_stack_handler(struct orv_command* record, const char* data);
+
+/* Memory summary: 1, 1 and the total memory in bytes modulo 2^32 as a signed number, joined by
+ * commas. Reads neither argument. Result 0, always. */
+ORV_API void orv_heap_handler(struct orv_command* record, const char* data);
+
+/* Starts or stops the monitor that param1 names, or asks for the application's health; see
+ * <orv/monitor.h>. `data` is only logged. No answer for an unknown monitor (logged). */
+ORV_API void orv_monitor_handler(struct orv_command* record, const char* data);
+
 ORV_END_DECLS
 
 #endif

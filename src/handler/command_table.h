@@ -26,9 +26,9 @@ inline constexpr command_row command_table[] = {
     {ORV_COMMAND_SET_CONFIG, nullptr, "set_config"},
     {ORV_COMMAND_MULTI_LANG, nullptr, "multi_lang"},
     {ORV_COMMAND_TARGET_INFO, orv_target_handler, "target_info"},
-    {ORV_COMMAND_STACK_INFO, nullptr, "stack_info"},
-    {ORV_COMMAND_HEAP_INFO, nullptr, "heap_info"},
-    {ORV_COMMAND_MONITOR, nullptr, "command"},
+    {ORV_COMMAND_STACK_INFO, orv_stack_handler, "stack_info"},
+    {ORV_COMMAND_HEAP_INFO, orv_heap_handler, "heap_info"},
+    {ORV_COMMAND_MONITOR, orv_monitor_handler, "command"},
     {ORV_COMMAND_SEND_BUFFER, nullptr, "send_buffer"},
     {ORV_COMMAND_END, nullptr, "end"},
 };

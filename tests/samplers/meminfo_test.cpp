@@ -1,0 +1,174 @@
+#include <gmock/gmock.h>
+#include <orv/command.h>
+#include <orv/meminfo.h>
+#include <orv/protocol.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <sys/ptrace.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "agent_probe.h"
+#include "common/meminfo_text.h"
+#include "private_mounts.h"
+
+namespace {
+
+using orv_test::mounted;
+using testing::ElementsAre;
+
+struct figures {
+  uint32_t buffers = 1;
+  uint32_t cached = 2;
+  uint32_t free = 3;
+  uint32_t total = 4;
+
+  bool operator==(const figures&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const figures& all) {
+  return out << all.buffers << " " << all.cached << " " << all.free << " " << all.total;
+}
+
+figures parse(std::string text) {
+  figures all;
+  const meminfo_row table[] = {{"Buffers", &all.buffers},
+                               {"Cached", &all.cached},
+                               {"MemFree", &all.free},
+                               {"MemTotal", &all.total}};
+  orv::take_meminfo(text.data(), table, 4);
+  const figures once = all;
+  orv::take_meminfo(text.data(), table, 4);
+  EXPECT_EQ(all, once) << "a text was taken twice";
+  return once;
+}
+
+TEST(MeminfoText, YieldsTheWantedFieldsAndLeavesTheOthers) {
+  const std::pair<const char*, figures> rows[] = {
+      {"MemTotal:         503316 kB\nMemFree:  1000 kB\nBuffers:  20 kB\nCached:\t30 kB\n",
+       {20, 30, 1000, 503316}},
+      {"MemTotal:7\nSwapCached: 9 kB\nCached: 0 kB", {1, 0, 3, 7}},
+      {"", {}},
+      {"no colon in here\n\n", {}},
+      {"MemFree 10 kB\nMemTotal: 11 kB\nCached: 12 kB\n", {1, 12, 3, 4}},  // a colon was lost
+      {"Mem:\nMemTotal: 4294967295 kB\n", {1, 2, 3, 4294967295}},
+      {"Fifteen_letters: 1\nSixteen__letters: 2\nMemFree: 5 kB\n", {1, 2, 5, 4}},
+      {"memfree: 5 kB\nMemFreeX: 6 kB\nMemFre: 7 kB\n MemFree: 8 kB\n", {}},
+  };
+  for (const auto& [text, expected] : rows) {
+    EXPECT_EQ(parse(text), expected) << text;
+  }
+}
+
+TEST(MeminfoText, LooksUpNamesOfFifteenCharactersAndNoLongerOnes) {
+  uint32_t fifteen = 0;
+  uint32_t sixteen = 0;
+  const meminfo_row table[] = {{"Fifteen_letters", &fifteen}, {"Sixteen__letters", &sixteen}};
+  char text[] = "Fifteen_letters: 15\nSixteen__letters: 16\n";
+  orv::take_meminfo(text, table, 2);
+  EXPECT_EQ(fifteen, 15U);
+  EXPECT_EQ(sixteen, 0U);
+}
+
+class Heap : public orv_test::AgentTest {
+ protected:
+  void SetUp() override {
+    if (!orv_test::have_private_mounts()) {
+      GTEST_SKIP() << "the kernel refuses private mounts";
+    }
+    AgentTest::SetUp();
+  }
+
+  static std::string ask() {
+    orv_command record{};
+    orv_heap_handler(&record, "");
+    EXPECT_EQ(orv_test::int_at(VCONFKEY_ORV_RESULT), 0);
+    return orv_test::text_at(VCONFKEY_ORV_RESULT_DATA);
+  }
+
+  std::string ask_with(const std::string& summary) const {
+    std::ofstream{path_} << summary;
+    const mounted shown{path_, "/proc/meminfo"};
+    return ask();
+  }
+
+  std::string path_ = std::string{getenv("ORV_PLATFORM_ROOT")} + "/meminfo";
+};
+
+// What the handler's figures are at load is seen once a process, so first of all.
+TEST_F(Heap, AnswersWithWhatItHoldsWhenTheSummaryCannotBeRead) {
+  testing::internal::CaptureStderr();
+  {
+    const mounted no_proc{orv_test::memory_files{}, "/proc"};
+    EXPECT_EQ(ask(), "1,1,0");
+  }
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "Error: /proc must be mounted\n"
+            "  To mount /proc at boot you need an /etc/fstab line like:\n"
+            "      /proc   /proc   proc    defaults\n"
+            "  In the meantime, run \"mount /proc /proc -t proc\"\n");
+  EXPECT_EQ(ask_with("MemTotal: 503316 kB\n"), "1,1,515395584");
+  testing::internal::CaptureStderr();
+  {
+    const mounted failing{"/proc/self/mem", "/proc/meminfo"};
+    EXPECT_EQ(ask(), "1,1,515395584");
+  }
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "/proc/meminfo: Input/output error\n");
+}
+
+TEST_F(Heap, LogsItsFiguresAndAnswersInBytes) {
+  EXPECT_EQ(ask_with("MemTotal: 503316 kB\nMemFree: 1000 kB\nBuffers: 20 kB\nCached: 3 kB\n"),
+            "1,1,515395584");
+  EXPECT_THAT(orv_test::take_writes(),
+              ElementsAre("memory/orv/result_data=1,1,515395584", "memory/orv/result=0"));
+  EXPECT_THAT(orv_test::take_messages(),
+              ElementsAre("I start+ ", "I > MemTotal   = 503316 KB ", "I   MemFree    = 1000 KB ",
+                          "I   Buffers    = 20 KB ", "I   Cached     = 3 KB ",
+                          "I > HeapFree   = 1023 KB ", "I end- "));
+  EXPECT_EQ(ask_with("MemTotal: 2097152 kB\n"), "1,1,-2147483648");
+  EXPECT_EQ(ask_with("MemTotal: 4194305 kB\n"), "1,1,1024");
+}
+
+TEST_F(Heap, SeesTheFirst2047BytesAlone) {
+  const std::string line = "MemTotal: 1 kB\n";
+  const auto padding = [](size_t size) { return "Pad:" + std::string(size - 5, ' ') + "\n"; };
+  EXPECT_EQ(ask_with(padding(2047 - line.size()) + line), "1,1,1024");
+  EXPECT_EQ(ask_with(padding(2047) + "MemTotal: 9 kB\n"), "1,1,1024");
+}
+
+std::vector<uint64_t> system_calls_of_child(pid_t child) {
+  std::vector<uint64_t> calls;
+  int status = 0;
+  waitpid(child, &status, 0);
+  ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
+  while (ptrace(PTRACE_SYSCALL, child, nullptr, nullptr) == 0 && waitpid(child, &status, 0) > 0 &&
+         WIFSTOPPED(status)) {
+    __ptrace_syscall_info info{};
+    ptrace(PTRACE_GET_SYSCALL_INFO, child, sizeof info, &info);
+    if (info.op == PTRACE_SYSCALL_INFO_ENTRY) {
+      calls.push_back(info.entry.nr);
+    }
+  }
+  return calls;
+}
+
+TEST(Meminfo, TakesThreeSystemCalls) {
+  const pid_t child = fork();
+  if (child == 0) {
+    uint32_t total = 0;
+    const meminfo_row table[] = {{"MemTotal", &total}};
+    ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
+    kill(getpid(), SIGSTOP);
+    orv_meminfo(table, 1);
+    _exit(0);
+  }
+  EXPECT_THAT(system_calls_of_child(child),
+              ElementsAre(SYS_openat, SYS_read, SYS_close, SYS_exit_group));
+}
+
+}  // namespace

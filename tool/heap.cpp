@@ -1,0 +1,63 @@
+#include "heap.h"
+
+#include <stdio.h>
+
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "command_names.h"
+#include "memory_size.h"
+#include "numbers.h"
+#include "subcommand.h"
+
+#include <orv/protocol.h>
+
+namespace orvctl {
+namespace {
+
+void print_json(const heap& found) {
+  const nlohmann::ordered_json object{{"total_bytes", found.total_bytes}};
+  puts(object.dump(2).c_str());
+}
+
+void print_table(const heap& found) {
+  printf("total  %s (%u bytes)\n", memory_size(found.total_bytes).c_str(), found.total_bytes);
+}
+
+void run(context& shared, bool json) {
+  const auto answered = ask(shared, {ORV_COMMAND_HEAP_INFO, {}, {}});
+  if (!answered) {
+    return;
+  }
+  const auto found = parse_heap(*answered->text);
+  if (!found) {
+    fprintf(stderr, "orvctl: the agent's answer is no memory summary: %s\n",
+            answered->text->c_str());
+    shared.status = status_failure;
+    return;
+  }
+  json ? print_json(*found) : print_table(*found);
+}
+
+}  // namespace
+
+std::optional<heap> parse_heap(std::string_view text) {
+  const std::string_view start = describe(ORV_COMMAND_HEAP_INFO).text_start;
+  if (!text.starts_with(start)) {
+    return std::nullopt;
+  }
+  const auto total = parse_int(text.substr(start.size()));
+  return total ? std::optional{heap{static_cast<uint32_t>(*total)}} : std::nullopt;
+}
+
+void add_heap(CLI::App& app, context& shared) {
+  CLI::App* heap = app.add_subcommand("heap", "Ask how much memory the target has");
+  heap->footer(
+      "The protocol carries 32 bits: of 4 GiB and more, the amount beyond the last whole\n"
+      "4 GiB is shown.");
+  const auto json = std::make_shared<bool>(false);
+  heap->add_flag("--json", *json, "Print a JSON object");
+  heap->callback([&shared, json] { run(shared, *json); });
+}
+
+}  // namespace orvctl
