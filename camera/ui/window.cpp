@@ -32,7 +32,7 @@ handle<Display> open_display() {
   XSetErrorHandler(on_x_error);
   XSetIOErrorHandler(on_lost_server);
   handle<Display> display{XOpenDisplay(nullptr)};
-  if (!display) give_up("cannot open the display", XDisplayName(nullptr));
+  if (!display) give_up("no X server answers at the display", XDisplayName(nullptr));
   return display;
 }
 

@@ -2,7 +2,7 @@
 
 #include <X11/extensions/XTest.h>
 
-#include "handler/x_guard.h"
+#include "handler/x_connection.h"
 
 namespace orv {
 namespace {
@@ -10,17 +10,7 @@ namespace {
 constexpr int current_screen = -1;
 constexpr unsigned touch_button = 1;
 
-// `send` queues events, and answers false when the server has no XTest. Closing the connection
-// sends them and waits for the server, so its errors arrive then.
-template <class Send>
-bool inject(Send send) noexcept {
-  x_guard guard;
-  x_display display = guard.open();
-  const bool queued = display && send(display.get());
-  display.reset();
-  return queued && !guard.failed();
-}
-
+// XTest answers 0 when the server does not have it.
 bool send_key(Display* display, int32_t keycode, bool press) {
   return XTestFakeKeyEvent(display, static_cast<unsigned>(keycode), press ? True : False,
                            CurrentTime) != 0;
@@ -29,17 +19,17 @@ bool send_key(Display* display, int32_t keycode, bool press) {
 }  // namespace
 
 bool inject_key(int32_t keycode, bool press) noexcept {
-  return inject([&](Display* display) { return send_key(display, keycode, press); });
+  return x_connection{}.run([&](Display* display) { return send_key(display, keycode, press); });
 }
 
 bool inject_key_tap(int32_t keycode) noexcept {
-  return inject([&](Display* display) {
+  return x_connection{}.run([&](Display* display) {
     return send_key(display, keycode, true) && send_key(display, keycode, false);
   });
 }
 
 bool inject_touch(int32_t x, int32_t y, bool press) noexcept {
-  return inject([&](Display* display) {
+  return x_connection{}.run([&](Display* display) {
     return XTestFakeMotionEvent(display, current_screen, x, y, CurrentTime) != 0 &&
            XTestFakeButtonEvent(display, touch_button, press ? True : False, CurrentTime) != 0;
   });
