@@ -53,8 +53,10 @@ class answer_watch {
   }
 
  private:
-  static constexpr const char* keys[] = {VCONFKEY_ORV_COMMAND, VCONFKEY_ORV_RESULT_DATA,
-                                         VCONFKEY_ORV_RESULT};
+  // In this order: of a tick that comes meanwhile, the result alone may then be seen, and means
+  // nothing before the command. A text alone would be joined to the next result, the answer.
+  static constexpr const char* keys[] = {VCONFKEY_ORV_COMMAND, VCONFKEY_ORV_RESULT,
+                                         VCONFKEY_ORV_RESULT_DATA};
 
   static gboolean expire(gpointer expired) {
     *static_cast<bool*>(expired) = true;

@@ -25,6 +25,9 @@ constexpr size_t full_size = ORV_PACKET_MAX_TEXT / 4 * 3;
 
 constexpr auto quiet_margin = milliseconds{2000};
 constexpr auto longest_loan = milliseconds{1000};
+// The result key too: each answer is waited for from where this watch, not the store, has got to.
+constexpr const char* watched_keys[] = {VCONFKEY_ORV_RESULT, VCONFKEY_ORV_RESULT_DATA};
+
 // With other tools, each of which waits for an answer as long as it was told to.
 constexpr auto patience = milliseconds{60000};
 
@@ -43,10 +46,6 @@ class source {
 std::string read_packet() {
   const std::unique_ptr<char, decltype(&free)> text{vconf_get_str(VCONFKEY_ORV_RESULT_DATA), free};
   return text ? text.get() : "";
-}
-
-void count_change(keynode_t* /*node*/, void* changes) {
-  ++*static_cast<int*>(changes);
 }
 
 gboolean raise_flag(gpointer flag) {
@@ -76,7 +75,9 @@ watch_session::watch_session(context& shared, watch_settings settings)
 }
 
 watch_session::~watch_session() {
-  vconf_ignore_key_changed(VCONFKEY_ORV_RESULT_DATA, count_change);
+  for (const char* key : watched_keys) {
+    vconf_ignore_key_changed(key, key_changed);
+  }
 }
 
 bool watch_session::run() {
@@ -96,14 +97,22 @@ std::optional<answer> watch_session::ask_afterwards(const command& sent) const {
 }
 
 bool watch_session::claim() {
-  if (!right_.usable() ||
-      vconf_notify_key_changed(VCONFKEY_ORV_RESULT_DATA, count_change, &changes_) != 0) {
+  const bool watching = std::all_of(
+      std::begin(watched_keys), std::end(watched_keys),
+      [this](const char* key) { return vconf_notify_key_changed(key, key_changed, this) == 0; });
+  if (!right_.usable() || !watching) {
     return fail({}, exchange_error::store_failed);
   }
   if (!right_.take_monitors(shared_.timeout())) {
     return fail({}, exchange_error::watched);
   }
   return right_.take_packet(shared_.timeout()) || fail({}, exchange_error::busy);
+}
+
+void watch_session::key_changed(keynode_t* node, void* self) {
+  auto* session = static_cast<watch_session*>(self);
+  session->half_tick_ = std::string_view{vconf_keynode_get_name(node)} == VCONFKEY_ORV_RESULT_DATA;
+  session->changes_ += session->half_tick_ ? 1 : 0;
 }
 
 int watch_session::call_every_second(void* self) {
@@ -208,8 +217,7 @@ bool watch_session::settle(const turn& now) {
   return error == exchange_error::none || fail({ORV_COMMAND_TARGET_INFO, {}, {}}, error);
 }
 
-// Nobody else writes the key now. Its change is waited for, or it would stand before the answer to
-// the next command and pass for a part of it.
+// Nobody else writes the key now, and no result follows.
 bool watch_session::empty() {
   const int changes = changes_;
   if (vconf_set_str(VCONFKEY_ORV_RESULT_DATA, "") != 0) {
@@ -224,6 +232,7 @@ bool watch_session::empty() {
   follower_.emptied();
   packet_size_ = 0;
   looked_at_ = changes_;
+  half_tick_ = false;
   return changes_ != changes || fail({}, exchange_error::store_failed);
 }
 
@@ -248,7 +257,21 @@ bool watch_session::stop(const turn& now, const monitor_kind& kind) {
   return ask(now, stop_command(kind));
 }
 
+// Changes that others made meanwhile are taken off the queue, up to the end of a tick or a query.
+// Otherwise the text of one whose result has passed would take the next result, the answer, for its
+// own, or the result of one whose text has passed would be taken for the answer.
+void watch_session::await_whole_tick() {
+  bool expired = false;
+  const source deadline{
+      g_timeout_add(static_cast<guint>(shared_.timeout().count()), raise_flag, &expired)};
+  while ((half_tick_ || g_main_context_pending(nullptr) != FALSE) && !expired) {
+    g_main_context_iteration(nullptr, TRUE);
+  }
+  half_tick_ = false;
+}
+
 bool watch_session::ask(const turn& now, const command& sent) {
+  await_whole_tick();
   const exchange_error error = now.ask(sent).error;
   return error == exchange_error::none || fail(sent, error);
 }

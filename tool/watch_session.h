@@ -14,6 +14,8 @@
 #ifndef ORV_TOOL_WATCH_SESSION_H
 #define ORV_TOOL_WATCH_SESSION_H
 
+#include <vconf.h>
+
 #include <chrono>
 #include <functional>
 #include <optional>
@@ -53,6 +55,7 @@ class watch_session {
   using clock = std::chrono::steady_clock;
   using step = bool (watch_session::*)(const turn&);
 
+  static void key_changed(keynode_t* node, void* self);
   static int call_every_second(void* self);
 
   bool claim();
@@ -71,6 +74,7 @@ class watch_session {
   bool empty();
   bool stop(const turn& now, const monitor_kind& kind);
   bool ask(const turn& now, const command& sent);
+  void await_whole_tick();
   bool fail(const command& sent, exchange_error error);
   void tell_missing();
 
@@ -81,8 +85,9 @@ class watch_session {
   packet_right right_;
   packet_follower follower_;
   size_t packet_size_ = 0;
-  int changes_ = 0;    // of the result data key, ever
-  int looked_at_ = 0;  // changes_ at the last look
+  int changes_ = 0;         // of the result data key, ever
+  int looked_at_ = 0;       // changes_ at the last look
+  bool half_tick_ = false;  // the packet has changed, the result that follows has not
   clock::time_point last_change_ = clock::now();
   bool over_ = false;
 };
