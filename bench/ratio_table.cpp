@@ -7,6 +7,7 @@
 #include <iterator>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace orv_bench {
@@ -55,7 +56,7 @@ class collector : public benchmark::BenchmarkReporter {
         const double iterations = static_cast<double>(run.iterations);
         times_us_[name].push_back(run.real_accumulated_time / iterations * 1e6);
         for (const auto& [counter, value] : run.counters) {
-          counters_[name + " " + counter].push_back(value.value);
+          counters_[{name, counter}].push_back(value.value);
         }
       }
     }
@@ -92,7 +93,7 @@ class collector : public benchmark::BenchmarkReporter {
   }
 
   void print(const wanted_counter& row) const {
-    const auto measured = counters_.find(row.measured + " " + row.counter);
+    const auto measured = counters_.find({row.measured, row.counter});
     if (measured == counters_.end()) {
       return;
     }
@@ -102,7 +103,7 @@ class collector : public benchmark::BenchmarkReporter {
   }
 
   std::map<std::string, std::vector<double>> times_us_;
-  std::map<std::string, std::vector<double>> counters_;
+  std::map<std::pair<std::string, std::string>, std::vector<double>> counters_;
   bool failed_ = false;
 };
 

@@ -72,7 +72,7 @@ void serve_if_asked(int argc, char** argv) {
   }
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   const std::string role = argv[2];
-  const int fd = atoi(argv[3]);
+  const int fd = static_cast<int>(strtol(argv[3], nullptr, 10));
   shared_counters& counters = *map_counters(fd);
   close(fd);
   if (role == "agent") {

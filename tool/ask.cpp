@@ -17,6 +17,8 @@ void tell_no_answer(const context& shared, const command& sent) {
           silent ? "the agent accepts this command without answering" : "is a host running?");
 }
 
+}  // namespace
+
 int tell(const context& shared, const command& sent, exchange_error error) {
   switch (error) {
     case exchange_error::none:
@@ -28,6 +30,11 @@ int tell(const context& shared, const command& sent, exchange_error error) {
       fprintf(stderr, "orvctl: another orvctl has been busy on %s for %g s; try again\n",
               shared.store.c_str(), shared.timeout_s);
       return status_no_answer;
+    case exchange_error::watched:
+      fprintf(stderr,
+              "orvctl: another orvctl watches the monitors of %s; they are its own until it ends\n",
+              shared.store.c_str());
+      return status_no_answer;
     case exchange_error::store_failed:
       fprintf(stderr,
               "orvctl: the store %s cannot be written or watched; is its file system full?\n",
@@ -37,18 +44,21 @@ int tell(const context& shared, const command& sent, exchange_error error) {
   return status_success;
 }
 
-}  // namespace
+bool store_is_usable(context& shared) {
+  const platform::root_check store = platform::check_root(shared.store);
+  if (store.state == platform::root_state::usable) {
+    return true;
+  }
+  fprintf(stderr, "orvctl: store %s\n", store.reason.c_str());
+  shared.status = status_usage;
+  return false;
+}
 
 std::optional<answer> ask(context& shared, const command& sent) {
-  const platform::root_check store = platform::check_root(shared.store);
-  if (store.state != platform::root_state::usable) {
-    fprintf(stderr, "orvctl: store %s\n", store.reason.c_str());
-    shared.status = status_usage;
+  if (!store_is_usable(shared)) {
     return std::nullopt;
   }
-  const std::chrono::duration<double> timeout{shared.timeout_s};
-  exchange_outcome outcome =
-      exchange(shared.store, sent, std::chrono::duration_cast<std::chrono::milliseconds>(timeout));
+  exchange_outcome outcome = exchange(shared.store, sent, shared.timeout());
   if (outcome.error != exchange_error::none) {
     shared.status = tell(shared, sent, outcome.error);
     return std::nullopt;

@@ -10,7 +10,7 @@
 
 #include "answer_filter.h"
 #include "command_names.h"
-#include "tool_lock.h"
+#include "packet_right.h"
 
 namespace orvctl {
 namespace {
@@ -53,8 +53,10 @@ class answer_watch {
   }
 
  private:
-  static constexpr const char* keys[] = {VCONFKEY_ORV_COMMAND, VCONFKEY_ORV_RESULT_DATA,
-                                         VCONFKEY_ORV_RESULT};
+  // In this order: of a tick that comes meanwhile, the result alone may then be seen, and means
+  // nothing before the command. A text alone would be joined to the next result, the answer.
+  static constexpr const char* keys[] = {VCONFKEY_ORV_COMMAND, VCONFKEY_ORV_RESULT,
+                                         VCONFKEY_ORV_RESULT_DATA};
 
   static gboolean expire(gpointer expired) {
     *static_cast<bool*>(expired) = true;
@@ -111,31 +113,65 @@ exchange_outcome send_and_wait(const command& sent, milliseconds timeout) {
   return {exchange_error::none, *std::move(answered)};
 }
 
-// The agent runs commands in order, so once it answers a query, the answers of all earlier commands
-// are out.
-exchange_outcome settle(milliseconds timeout) {
-  return send_and_wait({ORV_COMMAND_TARGET_INFO, {}, {}}, timeout);
+bool overwrites_packet(const command& sent) {
+  const reply answers = describe(sent.code).answers_with;
+  return answers == reply::text || answers == reply::unknown;
+}
+
+exchange_outcome failure(exchange_error error) {
+  return {error, {}};
 }
 
 }  // namespace
 
-exchange_outcome exchange(const std::string& store, const command& sent, milliseconds timeout) {
-  const tool_lock lock{store, timeout};
-  if (!lock.held()) {
-    return {exchange_error::busy, {}};
+turn::turn(const std::string& store, milliseconds patience, milliseconds timeout)
+    : timeout_{timeout}, lock_{store, patience} {}
+
+// The agent runs commands in order, so once it answers a query, the answers of all earlier commands
+// are out.
+exchange_error turn::settle() const {
+  const exchange_error error = send_and_wait({ORV_COMMAND_TARGET_INFO, {}, {}}, timeout_).error;
+  if (error == exchange_error::none) {
+    lock_.set_answer_outstanding(false);
   }
-  if (lock.answer_outstanding()) {
-    exchange_outcome settled = settle(timeout);
-    if (settled.error != exchange_error::none) {
-      return settled;
-    }
-  }
-  lock.set_answer_outstanding(describe(sent.code).answers_with != reply::none);
-  exchange_outcome outcome = send_and_wait(sent, timeout);
-  if (outcome.error == exchange_error::none) {
-    lock.set_answer_outstanding(false);
+  return error;
+}
+
+exchange_outcome turn::ask(const command& sent) const {
+  const bool was_settled = settled();
+  lock_.set_answer_outstanding(!was_settled || describe(sent.code).answers_with != reply::none);
+  exchange_outcome outcome = send_and_wait(sent, timeout_);
+  if (was_settled && outcome.error == exchange_error::none) {
+    lock_.set_answer_outstanding(false);
   }
   return outcome;
+}
+
+exchange_outcome exchange(const std::string& store, const command& sent, milliseconds timeout) {
+  const packet_right right{store};
+  if (!right.usable()) {
+    return failure(exchange_error::store_failed);
+  }
+  if (sent.code == ORV_COMMAND_MONITOR && !right.share_monitors()) {
+    return failure(exchange_error::watched);
+  }
+  for (bool needs_packet = overwrites_packet(sent);; needs_packet = true) {
+    if (needs_packet && !right.take_packet(timeout)) {
+      return failure(exchange_error::busy);
+    }
+    const turn now{store, timeout, timeout};
+    if (!now.held()) {
+      return failure(exchange_error::busy);
+    }
+    if (now.settled()) {
+      return now.ask(sent);
+    }
+    // Settling overwrites the packet. Whoever has that may need the turn to give it away.
+    if (needs_packet) {
+      const exchange_error error = now.settle();
+      return error == exchange_error::none ? now.ask(sent) : failure(error);
+    }
+  }
 }
 
 }  // namespace orvctl

@@ -7,6 +7,8 @@
 #include <optional>
 #include <string>
 
+#include "tool_lock.h"
+
 namespace orvctl {
 
 struct command {
@@ -20,15 +22,38 @@ struct answer {
   std::optional<std::string> text;
 };
 
-enum class exchange_error { none, no_answer, store_failed, busy };
+enum class exchange_error { none, no_answer, store_failed, busy, watched };
 
 struct exchange_outcome {
   exchange_error error;
   answer answered;  // when error is none
 };
 
-// Sends the command and waits for its own answer: not one that stood in the store before, nor the
-// late one of an earlier command, nor a monitor's tick.
+// The tool's turn to send commands: while it lasts, no other tool sends any.
+class turn {
+ public:
+  // Waits so long at most for the turn, and for each answer.
+  turn(const std::string& store, std::chrono::milliseconds patience,
+       std::chrono::milliseconds timeout);
+
+  [[nodiscard]] bool held() const { return lock_.held(); }
+
+  // Whether no late answer of an earlier command can come any more.
+  [[nodiscard]] bool settled() const { return !lock_.answer_outstanding(); }
+  // Makes it so, by a query, which overwrites the result data key.
+  [[nodiscard]] exchange_error settle() const;
+
+  // Sends the command and waits for its own answer: not one that stood in the store before, nor a
+  // monitor's tick, nor, when settled, the late one of an earlier command.
+  [[nodiscard]] exchange_outcome ask(const command& sent) const;
+
+ private:
+  std::chrono::milliseconds timeout_;
+  tool_lock lock_;
+};
+
+// One command in a turn of its own, settled first. A query waits until no watch has the packet; a
+// command to the monitors is refused while a watch has them.
 exchange_outcome exchange(const std::string& store, const command& sent,
                           std::chrono::milliseconds timeout);
 

@@ -38,6 +38,7 @@ void describe(CLI::App& app, orvctl::context& shared) {
   orvctl::add_target(app, shared);
   orvctl::add_heap(app, shared);
   orvctl::add_stack(app, shared);
+  orvctl::add_monitor(app, shared);
   orvctl::add_send(app, shared);
   orvctl::add_log(app, shared);
 }

@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cstdint>
+#include <utility>
 
 namespace orvctl {
 namespace {
@@ -24,6 +25,23 @@ std::optional<int> parse_int(std::string_view text) {
     return parse_whole<uint32_t>(text.substr(2), 16);
   }
   return parse_whole<int32_t>(text, 10);
+}
+
+std::optional<std::chrono::milliseconds> parse_duration(std::string_view text) {
+  constexpr std::chrono::hours longest{24};
+  constexpr std::pair<std::string_view, int64_t> units[] = {
+      {"ms", 1}, {"s", 1000}, {"", 1000}, {"m", 60000}, {"h", 3600000}};
+  int64_t number = 0;
+  const char* end = text.data() + text.size();
+  const auto [stop, error] = std::from_chars(text.data(), end, number);
+  const std::string_view unit{stop, static_cast<size_t>(end - stop)};
+  for (const auto& [name, factor] : units) {
+    if (error == std::errc{} && unit == name && number > 0 &&
+        number <= longest / std::chrono::milliseconds{factor}) {
+      return std::chrono::milliseconds{number * factor};
+    }
+  }
+  return std::nullopt;
 }
 
 std::string hexadecimal(int number) {

@@ -7,6 +7,7 @@
 
 #include "memory_size.h"
 #include "numbers.h"
+#include "printable.h"
 #include "subcommand.h"
 #include "thread_list.h"
 
@@ -34,13 +35,6 @@ uint32_t largest_size(const std::vector<thread_stack>& threads) {
     largest = std::max(largest, one.size_bytes);
   }
   return largest;
-}
-
-// Terminals take commands from control characters, and a name can hold any.
-std::string printable(std::string name) {
-  std::replace_if(
-      name.begin(), name.end(), [](unsigned char c) { return c < ' ' || c == 0x7f; }, '?');
-  return name;
 }
 
 void print_row(const thread_stack& one, uint32_t largest) {

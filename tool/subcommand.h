@@ -4,6 +4,7 @@
 #define ORV_TOOL_SUBCOMMAND_H
 
 #include <CLI/CLI.hpp>
+#include <chrono>
 #include <optional>
 #include <string>
 
@@ -17,6 +18,11 @@ struct context {
   double timeout_s = 5;
   std::string store;
   int status = status_success;
+
+  [[nodiscard]] std::chrono::milliseconds timeout() const {
+    return std::chrono::duration_cast<std::chrono::milliseconds>(
+        std::chrono::duration<double>{timeout_s});
+  }
 };
 
 void add_target(CLI::App& app, context& shared);
@@ -24,10 +30,17 @@ void add_heap(CLI::App& app, context& shared);
 void add_stack(CLI::App& app, context& shared);
 void add_send(CLI::App& app, context& shared);
 void add_log(CLI::App& app, context& shared);
+void add_monitor(CLI::App& app, context& shared);
+void add_monitor_watch(CLI::App& monitor, context& shared);
 
 // Runs the exchange; a failure is told on standard error and becomes the exit status. With an
 // answer, the exit status is the answer's.
 std::optional<answer> ask(context& shared, const command& sent);
+
+// What `ask` is made of, for who asks more than one thing: each tells a failure on standard error;
+// the first sets the exit status, the second returns it.
+bool store_is_usable(context& shared);
+int tell(const context& shared, const command& sent, exchange_error error);
 
 }  // namespace orvctl
 

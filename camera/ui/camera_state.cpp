@@ -35,10 +35,11 @@ void take_picture(camera_state& camera) {
 }
 
 void toggle_recording(camera_state& camera, time_point now) {
-  if (camera.recording_since)
+  if (camera.recording_since) {
     camera.recording_since.reset();
-  else
+  } else {
     camera.recording_since = now;
+  }
 }
 
 }  // namespace

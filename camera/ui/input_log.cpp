@@ -21,9 +21,10 @@ void add_to_path(touch_trace& touch, point at) {
 
 std::string held_names(const input_log& log) {
   std::string names;
-  for (std::size_t keycode = 0; keycode < log.held.size(); keycode++)
+  for (std::size_t keycode = 0; keycode < log.held.size(); keycode++) {
     if (log.held[keycode])
       names += (names.empty() ? " " : ", ") + key_name(static_cast<int>(keycode));
+  }
   return names;
 }
 

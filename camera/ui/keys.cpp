@@ -3,9 +3,10 @@
 namespace {
 
 constexpr bool keycodes_unique() {
-  for (const key_row& row : key_table)
+  for (const key_row& row : key_table) {
     for (const key_row& other : key_table)
       if (&row != &other && (row.keycode == other.keycode || row.name == other.name)) return false;
+  }
   return true;
 }
 static_assert(keycodes_unique());

@@ -1,9 +1,10 @@
 // lumen-ui-host: the camera application of the simulated camera.
 
+#include "../command_line.h"  // first: X.h has macros that break it
+
 #include <poll.h>
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <chrono>
 #include <ctime>
 
@@ -168,11 +169,11 @@ void tell_ready(int fd) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
   options chosen;
-  CLI::App parser;
+  CLI::App parser{"", "lumen-ui-host"};
   define_options(parser, chosen);
-  CLI11_PARSE(parser, argc, argv);
+  if (const auto status = read_command_line(parser, argc, argv)) return *status;
 
   start_worker_threads(chosen.hang_thread);
   application app{show_window()};
@@ -180,4 +181,7 @@ int main(int argc, char** argv) {
   tell_ready(chosen.ready_fd);
   run_until(app, end_time(chosen.exit_after_s));
   return 0;
+} catch (const std::exception& error) {
+  fprintf(stderr, "lumen-ui-host: %s\n", error.what());
+  return 1;
 }

@@ -2,16 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <numbers>
 
 #include "paint.h"
+#include "scene_parts.h"
 
 namespace {
-
-constexpr double shore_y = 298;
-constexpr double sun_x = 566;
-constexpr double sun_y = 196;
 
 struct color_stop {
   double offset;
@@ -23,41 +19,11 @@ constexpr color_stop sky_stops[] = {
     {0.82, {0.96, 0.66, 0.44}}, {1.0, {1.00, 0.84, 0.58}},
 };
 
-// Fixed seed: the picture is the same at every start.
-class dice {
- public:
-  double roll(double low, double high) {
-    state_ = state_ * 6364136223846793005U + 1442695040888963407U;
-    return low + (high - low) * static_cast<double>(state_ >> 40U) / static_cast<double>(1U << 24U);
-  }
-
- private:
-  std::uint64_t state_ = 20240607;
-};
-
 handle<cairo_pattern_t> sky_gradient(double from_y, double to_y) {
   handle<cairo_pattern_t> gradient{cairo_pattern_create_linear(0, from_y, 0, to_y)};
   for (const auto& [offset, ink] : sky_stops)
     cairo_pattern_add_color_stop_rgb(gradient.get(), offset, ink.red, ink.green, ink.blue);
   return gradient;
-}
-
-void glow(cairo_t* context, double x, double y, double radius, color ink) {
-  const handle<cairo_pattern_t> light{cairo_pattern_create_radial(x, y, 0, x, y, radius)};
-  cairo_pattern_add_color_stop_rgba(light.get(), 0, ink.red, ink.green, ink.blue, ink.alpha);
-  cairo_pattern_add_color_stop_rgba(light.get(), 1, ink.red, ink.green, ink.blue, 0);
-  cairo_set_source(context, light.get());
-  cairo_rectangle(context, x - radius, y - radius, 2 * radius, 2 * radius);
-  cairo_fill(context);
-}
-
-// A round glow, drawn out sideways.
-void streak(cairo_t* context, double x, double y, double width, double height, color ink) {
-  cairo_save(context);
-  cairo_translate(context, x, y);
-  cairo_scale(context, width / 2, height / 2);
-  glow(context, 0, 0, 1, ink);
-  cairo_restore(context);
 }
 
 void paint_sky(cairo_t* context, dice& chance) {
@@ -101,9 +67,10 @@ double crest(double x, double phase) {
 
 void paint_ridge(cairo_t* context, const ridge& mountains) {
   cairo_move_to(context, 0, shore_y);
-  for (int x = 0; x <= screen_width; x += 2)
+  for (int x = 0; x <= screen_width; x += 2) {
     cairo_line_to(context, x,
                   mountains.base_y - mountains.height * (0.5 + crest(x, mountains.phase) / 2));
+  }
   cairo_line_to(context, screen_width, shore_y);
   cairo_close_path(context);
   const handle<cairo_pattern_t> haze{
@@ -114,68 +81,6 @@ void paint_ridge(cairo_t* context, const ridge& mountains) {
                                    ink.blue * 0.7 + 0.15);
   cairo_set_source(context, haze.get());
   cairo_fill(context);
-}
-
-// The lake shows the land upside down, darker, flattened and broken by ripples.
-void paint_lake(cairo_t* context, cairo_surface_t* land, dice& chance) {
-  cairo_save(context);
-  cairo_rectangle(context, 0, shore_y, screen_width, screen_height - shore_y);
-  cairo_clip(context);
-  cairo_translate(context, 0, shore_y * 1.62);
-  cairo_scale(context, 1, -0.62);
-  cairo_set_source_surface(context, land, 0, 0);
-  cairo_paint(context);
-  cairo_restore(context);
-  cairo_rectangle(context, 0, shore_y, screen_width, screen_height - shore_y);
-  set_ink(context, {0.03, 0.09, 0.17, 0.45});
-  cairo_fill(context);
-  for (int ripple = 0; ripple < 150; ripple++) {
-    const double depth = chance.roll(0, 1);
-    const double y = shore_y + 3 + depth * depth * 150;
-    const color ink =
-        chance.roll(0, 1) < 0.5 ? color{1, 0.85, 0.66, 0.16} : color{0, 0.03, 0.1, 0.2};
-    streak(context, chance.roll(0, 800), y, 50 + 160 * depth, 1.4 + 3 * depth, ink);
-  }
-  for (int glint = 0; glint < 70; glint++) {
-    const double depth = chance.roll(0, 1);
-    const double spread = 14 + 46 * depth;
-    streak(context, sun_x + chance.roll(-spread, spread), shore_y + 3 + depth * 120,
-           18 + 52 * depth, 2 + 2.6 * depth, {1, 0.86, 0.6, 0.5});
-  }
-}
-
-void paint_pine(cairo_t* context, double x, double foot_y, double height, dice& chance) {
-  constexpr int tiers = 7;
-  for (int tier = 0; tier < tiers; tier++) {
-    const double top = foot_y - height + height * tier / (tiers + 1.5);
-    const double half_width = height * (0.045 + 0.028 * tier) * chance.roll(0.85, 1.15);
-    const double bottom = top + height * 0.24;
-    cairo_move_to(context, x, top);
-    cairo_line_to(context, x - half_width, bottom);
-    cairo_line_to(context, x + half_width, bottom);
-    cairo_close_path(context);
-  }
-  cairo_rectangle(context, x - height * 0.015, foot_y - height * 0.2, height * 0.03, height * 0.24);
-  cairo_fill(context);
-}
-
-double bank_y(double x) {
-  return 452 - 66 * std::pow(std::abs(x - 430) / 430, 2.2) + 5 * std::sin(x / 23) +
-         2 * std::sin(x / 7);
-}
-
-void paint_bank(cairo_t* context, dice& chance) {
-  set_ink(context, {0.035, 0.055, 0.075});
-  cairo_move_to(context, 0, screen_height);
-  for (int x = 0; x <= screen_width; x += 3) cairo_line_to(context, x, bank_y(x));
-  cairo_line_to(context, screen_width, screen_height);
-  cairo_fill(context);
-  for (int tree = 0; tree < 34; tree++) {
-    const double from_edge = 250 * std::pow(chance.roll(0, 1), 1.6);
-    const double x = tree % 2 == 0 ? from_edge : screen_width - from_edge;
-    const double height = (150 - from_edge * 0.44) * chance.roll(0.6, 1.15);
-    paint_pine(context, x, bank_y(x) + 6, height, chance);
-  }
 }
 
 void paint_vignette(cairo_t* context) {
@@ -195,17 +100,35 @@ std::array<double, histogram_bins> brightness(cairo_surface_t* picture) {
   std::array<double, histogram_bins> bins{};
   cairo_surface_flush(picture);
   const unsigned char* row = cairo_image_surface_get_data(picture);
-  for (int y = 0; y < screen_height; y++, row += cairo_image_surface_get_stride(picture))
+  for (int y = 0; y < screen_height; y++, row += cairo_image_surface_get_stride(picture)) {
     for (const unsigned char* pixel = row; pixel < row + 4L * screen_width; pixel += 4) {
       const unsigned luma = (pixel[0] * 29U + pixel[1] * 150U + pixel[2] * 77U) / 256;
       bins[luma * histogram_bins / 256]++;
     }
+  }
   const double highest = *std::max_element(bins.begin(), bins.end());
   for (double& bin : bins) bin /= highest;
   return bins;
 }
 
 }  // namespace
+
+void glow(cairo_t* context, double x, double y, double radius, color ink) {
+  const handle<cairo_pattern_t> light{cairo_pattern_create_radial(x, y, 0, x, y, radius)};
+  cairo_pattern_add_color_stop_rgba(light.get(), 0, ink.red, ink.green, ink.blue, ink.alpha);
+  cairo_pattern_add_color_stop_rgba(light.get(), 1, ink.red, ink.green, ink.blue, 0);
+  cairo_set_source(context, light.get());
+  cairo_rectangle(context, x - radius, y - radius, 2 * radius, 2 * radius);
+  cairo_fill(context);
+}
+
+void streak(cairo_t* context, double x, double y, double width, double height, color ink) {
+  cairo_save(context);
+  cairo_translate(context, x, y);
+  cairo_scale(context, width / 2, height / 2);
+  glow(context, 0, 0, 1, ink);
+  cairo_restore(context);
+}
 
 scene paint_scene() {
   dice chance;

@@ -3,7 +3,7 @@
 
 #include <array>
 
-#include "handles.h"
+#include "../handles.h"
 
 inline constexpr int histogram_bins = 64;
 

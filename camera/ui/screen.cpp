@@ -8,8 +8,8 @@ void draw_thirds(cairo_t* context) {
   set_ink(context, faded(white, 0.16));
   cairo_set_line_width(context, 1);
   for (int third = 1; third <= 2; third++) {
-    const double x = screen_width * third / 3 + 0.5;
-    const double y = screen_height * third / 3 + 0.5;
+    const double x = screen_width / 3.0 * third;
+    const double y = screen_height / 3.0 * third;
     cairo_move_to(context, x, 0);
     cairo_line_to(context, x, screen_height);
     cairo_move_to(context, 0, y);

@@ -21,9 +21,10 @@ void draw_key_row(cairo_t* context, double y, const recent_key& key, bool held, 
                held ? amber : faded(glass, 0.4 + 0.6 * strength));
   draw_text(context, keys_x + 12, y + row_height / 2 - 2, key_name(key.keycode),
             {13, ink, align::left, held});
-  if (key.presses > 1)
+  if (key.presses > 1) {
     draw_text(context, keys_x + 186, y + row_height / 2 - 2, "\u00d7" + std::to_string(key.presses),
               {13, ink, align::right, true});
+  }
 }
 
 // The newest on top; older ones fade.

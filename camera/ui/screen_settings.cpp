@@ -79,9 +79,10 @@ void draw_compensation(cairo_t* context, int thirds_ev) {
     set_ink(context, faded(white, whole ? 0.95 : 0.55));
     cairo_set_line_width(context, whole ? 1.6 : 1);
     cairo_stroke(context);
-    if (whole)
+    if (whole) {
       draw_text(context, scale_x(tick), bottom_row_y - 9, std::to_string(std::abs(tick / 3)),
                 {11, faded(white, 0.8), align::center});
+    }
   }
   cairo_move_to(context, scale_x(thirds_ev), bottom_row_y + 9);
   cairo_rel_line_to(context, -5, 9);
@@ -112,9 +113,10 @@ void draw_histogram(cairo_t* context, const scene& view) {
   constexpr double bin_width = (area.width - 12) / histogram_bins;
   const double foot = area.y + area.height - 6;
   cairo_move_to(context, area.x + 6, foot);
-  for (std::size_t bin = 0; bin < histogram_bins; bin++)
+  for (std::size_t bin = 0; bin < histogram_bins; bin++) {
     cairo_line_to(context, area.x + 6 + (static_cast<double>(bin) + 0.5) * bin_width,
                   foot - view.histogram[bin] * (area.height - 12));
+  }
   cairo_line_to(context, area.x + area.width - 6, foot);
   cairo_close_path(context);
   set_ink(context, faded(white, 0.75));

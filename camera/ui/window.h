@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "handles.h"
+#include "../handles.h"
 #include "input_log.h"
 
 struct window {

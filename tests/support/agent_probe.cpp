@@ -12,6 +12,8 @@
 #include <mutex>
 #include <utility>
 
+#include "packet_check.h"
+
 namespace orv_test {
 namespace {
 
@@ -23,6 +25,14 @@ std::map<std::pair<fault, std::string>, int> faults;
 const int* find_fault(fault kind, const char* key) {
   const auto found = faults.find({kind, key});
   return found == faults.end() ? nullptr : &found->second;
+}
+
+// Whatever the agent writes behind a true packet, or where there was none, is a true packet.
+void check_packet(const std::string& old, const std::string& written) {
+  const bool was_true = !old.starts_with("848,") || packet_fault(old).empty();
+  if (was_true && written.starts_with("848,")) {
+    EXPECT_EQ(packet_fault(written), "") << written;
+  }
 }
 
 std::string message_of(const std::string& line) {
@@ -94,6 +104,7 @@ int __wrap_vconf_set_int(const char* key, int value) {
 
 int __wrap_vconf_set_str(const char* key, const char* value) {
   orv_test::writes.push_back(std::string{key} + "=" + value);
+  orv_test::check_packet(orv_test::text_at(key), value);
   const int* failing = orv_test::find_fault(fault::write, key);
   return failing != nullptr ? *failing : __real_vconf_set_str(key, value);
 }

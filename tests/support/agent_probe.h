@@ -2,7 +2,8 @@
 // that cannot be brought about for real.
 //
 // The store behind it is the real stand-in on a root of the test process's own. Calls of the
-// platform that the agent's objects make are wrapped at link time (see orv_add_agent_test).
+// platform that the agent's objects make are wrapped at link time (see orv_add_agent_test). Every
+// monitor packet that the agent writes is checked.
 #ifndef ORV_TESTS_SUPPORT_AGENT_PROBE_H
 #define ORV_TESTS_SUPPORT_AGENT_PROBE_H
 

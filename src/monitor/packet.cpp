@@ -1,0 +1,71 @@
+#include "monitor/packet.h"
+
+#include <orv/monitor.h>
+#include <orv/protocol.h>
+#include <vconf.h>
+
+#include <charconv>
+
+#include "common/answer.h"
+#include "common/log.h"
+
+orv_packet_header g_packet_data = {};
+
+namespace orv {
+namespace {
+
+constexpr std::string_view packet_start = "848,";
+static_assert(ORV_COMMAND_SEND_BUFFER == 848);
+
+constexpr packet empty_packet = {ORV_PACKET_HEADER_SIZE, {}};
+
+int32_t leading_number(std::string_view field) {
+  uint32_t number = 0;
+  std::from_chars(field.data(), field.data() + field.size(), number);
+  return static_cast<int32_t>(number);
+}
+
+// A foreign packet may claim any total.
+int32_t wrapping_sum(int32_t one, int32_t other) {
+  return static_cast<int32_t>(static_cast<uint32_t>(one) + static_cast<uint32_t>(other));
+}
+
+}  // namespace
+
+owned_text read_packet() {
+  return owned_text{vconf_get_str(VCONFKEY_ORV_RESULT_DATA)};
+}
+
+packet parse_packet(std::string_view text) {
+  if (!text.starts_with(packet_start)) {
+    return empty_packet;
+  }
+  text.remove_prefix(packet_start.size());
+  const size_t comma = text.find(',');
+  if (comma == std::string_view::npos) {
+    return empty_packet;
+  }
+  return {leading_number(text.substr(0, comma)), text.substr(comma + 1)};
+}
+
+packet parse_packet(const owned_text& text) {
+  return text ? parse_packet(std::string_view{text.get()}) : empty_packet;
+}
+
+bool grow_packet(const packet& old, const tick_items& items, bounded_text& grown) {
+  const int32_t total = wrapping_sum(old.total_count, items.size_bytes);
+  const bool fits = grown.format("%d,%d,", ORV_COMMAND_SEND_BUFFER, total) &&
+                    grown.append(old.payload) && grown.append(items.first) &&
+                    grown.append(items.rest);
+  g_packet_data.total_count = fits ? total : old.total_count;
+  if (!fits) {
+    orv_log_error("grow_packet():: packet is full, item of %d bytes dropped \n", items.size_bytes);
+  }
+  return fits;
+}
+
+void answer_tick(bool grew, const bounded_text& grown) {
+  grew ? answer(grown.c_str(), ORV_RESULT_OK) : answer(ORV_RESULT_OK);
+}
+
+}  // namespace orv

@@ -1,0 +1,102 @@
+#include "monitor_probe.h"
+
+#include <glib.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "packet_check.h"
+
+namespace orv_test {
+namespace {
+
+std::vector<unsigned> intervals;
+size_t refused_size = 0;
+
+constexpr int all_types[] = {ORV_MON_TYPE_CPU, ORV_MON_TYPE_HEAP, ORV_MON_TYPE_STACK};
+
+}  // namespace
+
+std::vector<unsigned> take_intervals() {
+  return std::exchange(intervals, {});
+}
+
+refused_memory::refused_memory(size_t size) {
+  refused_size = size;
+}
+refused_memory::~refused_memory() {
+  refused_size = 0;
+}
+
+void MonitorTest::SetUp() {
+  AgentTest::SetUp();
+  g_packet_data = {};
+  take_intervals();
+}
+
+void MonitorTest::TearDown() {
+  for (const int type : all_types) {
+    stop(type);
+  }
+}
+
+int MonitorTest::start(int type, int interval_ms) {
+  orv_command request{type, 1, interval_ms, 0, 0};
+  return orv_monitor(&request, ORV_MON_ACTION_START);
+}
+
+int MonitorTest::stop(int type) {
+  orv_command request{type, 0, 0, 0, 0};
+  return orv_monitor(&request, ORV_MON_ACTION_TERMINATE);
+}
+
+std::string MonitorTest::packet_after(int (*proc)(void*), const std::string& old_text) {
+  put(VCONFKEY_ORV_RESULT_DATA, old_text.c_str());
+  EXPECT_EQ(proc(nullptr), 1);
+  return without_times(text_at(VCONFKEY_ORV_RESULT_DATA));
+}
+
+std::string packet_of_size(size_t characters) {
+  constexpr size_t shortest_item = 17;
+  constexpr size_t most_digits = 10;
+  size_t count = characters / shortest_item;
+  std::string text;
+  do {
+    text = "848," + std::to_string(8 + 28 * count) + ",";
+  } while (text.size() + shortest_item * count > characters && --count != 0);
+  size_t missing = characters - text.size() - shortest_item * count;
+  const auto number = [&missing] {
+    const size_t more = std::min(missing, most_digits - 1);
+    missing -= more;
+    return std::string(1 + more, '1');
+  };
+  for (size_t i = 0; i < count; ++i) {
+    text += "28,2," + number() + ",1,1,";
+    text += number() + ",0,$,";
+  }
+  EXPECT_EQ(text.size(), characters);
+  EXPECT_EQ(packet_fault(text), "");
+  return text;
+}
+
+}  // namespace orv_test
+
+// The linker gives these their names, and looks for them from shared libraries as well.
+#pragma GCC visibility push(default)
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+extern "C" {
+
+guint __real_g_timeout_add(guint interval, GSourceFunc callback, gpointer user_data);
+guint __wrap_g_timeout_add(guint interval, GSourceFunc callback, gpointer user_data) {
+  orv_test::intervals.push_back(interval);
+  return __real_g_timeout_add(interval, callback, user_data);
+}
+
+void* __real_malloc(size_t size);
+void* __wrap_malloc(size_t size) {
+  return size != 0 && size == orv_test::refused_size ? nullptr : __real_malloc(size);
+}
+
+}  // extern "C"
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+#pragma GCC visibility pop
