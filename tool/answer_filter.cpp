@@ -21,6 +21,10 @@ int results_of(const command& sent) {
 
 }  // namespace
 
+bool is_packet(std::string_view text) {
+  return text.starts_with(packet_start);
+}
+
 answer_filter::answer_filter(const command& sent)
     : wants_text_{describe(sent.code).answers_with == reply::text},
       takes_any_{describe(sent.code).answers_with == reply::unknown},
@@ -54,7 +58,7 @@ std::optional<answer> answer_filter::result_seen(int result) {
 }
 
 bool answer_filter::is_own_text(std::string_view text) const {
-  if (text.starts_with(packet_start) || !(wants_text_ || takes_any_)) {
+  if (is_packet(text) || !(wants_text_ || takes_any_)) {
     return false;
   }
   if (!text_start_.empty()) {

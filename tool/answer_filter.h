@@ -15,6 +15,9 @@
 
 namespace orvctl {
 
+// Whether a text in the result data key is a monitors' packet.
+bool is_packet(std::string_view text);
+
 class answer_filter {
  public:
   explicit answer_filter(const command& sent);

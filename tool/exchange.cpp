@@ -17,6 +17,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
+constexpr auto longest_half_tick = milliseconds{20};
+
 std::optional<std::string> read_text(const char* key) {
   const std::unique_ptr<char, decltype(&free)> text{vconf_get_str(key), free};
   return text ? std::optional<std::string>{text.get()} : std::nullopt;
@@ -40,23 +42,38 @@ class answer_watch {
 
   [[nodiscard]] bool watching() const { return watching_; }
 
+  // The watch may have begun within a tick, whose result would then pass for an answer. That result
+  // is microseconds away, unless the agent's process has to wait for a processor; any change shows
+  // where the ticks are.
+  void join_between_ticks(milliseconds timeout) {
+    const auto text = read_text(VCONFKEY_ORV_RESULT_DATA);
+    if (text && is_packet(*text)) {
+      run_until([this] { return seen_change_; }, longest_half_tick);
+      run_until([this] { return !half_tick_; }, timeout);
+    }
+  }
+
   std::optional<answer> wait(milliseconds timeout) {
+    run_until([this] { return answer_.has_value(); }, timeout);
+    return answer_;
+  }
+
+ private:
+  // The result before the text, so that no text is seen without its result.
+  static constexpr const char* keys[] = {VCONFKEY_ORV_COMMAND, VCONFKEY_ORV_RESULT,
+                                         VCONFKEY_ORV_RESULT_DATA};
+
+  template <class Condition>
+  static void run_until(Condition condition, milliseconds timeout) {
     bool expired = false;
     const guint timer = g_timeout_add(static_cast<guint>(timeout.count()), expire, &expired);
-    while (!answer_ && !expired) {
+    while (!condition() && !expired) {
       g_main_context_iteration(nullptr, TRUE);
     }
     if (!expired) {
       g_source_remove(timer);
     }
-    return answer_;
   }
-
- private:
-  // In this order: of a tick that comes meanwhile, the result alone may then be seen, and means
-  // nothing before the command. A text alone would be joined to the next result, the answer.
-  static constexpr const char* keys[] = {VCONFKEY_ORV_COMMAND, VCONFKEY_ORV_RESULT,
-                                         VCONFKEY_ORV_RESULT_DATA};
 
   static gboolean expire(gpointer expired) {
     *static_cast<bool*>(expired) = true;
@@ -71,6 +88,8 @@ class answer_watch {
     if (answer_) {
       return;
     }
+    seen_change_ = true;
+    half_tick_ = key == VCONFKEY_ORV_RESULT_DATA;
     if (key == VCONFKEY_ORV_COMMAND) {
       filter_.command_seen();
     } else if (key == VCONFKEY_ORV_RESULT_DATA) {
@@ -85,6 +104,8 @@ class answer_watch {
 
   answer_filter filter_;
   bool watching_ = true;
+  bool seen_change_ = false;
+  bool half_tick_ = false;  // a text was written last, the result that follows was not
   std::optional<answer> answer_;
 };
 
@@ -101,8 +122,11 @@ bool write_command(const command& sent) {
          vconf_set_int(VCONFKEY_ORV_COMMAND, sent.code) == 0;
 }
 
-exchange_outcome send_and_wait(const command& sent, milliseconds timeout) {
+exchange_outcome send_and_wait(const command& sent, milliseconds timeout, bool between_ticks) {
   answer_watch watch{sent};
+  if (watch.watching() && !between_ticks) {
+    watch.join_between_ticks(timeout);
+  }
   if (!watch.watching() || !write_command(sent)) {
     return {exchange_error::store_failed, {}};
   }
@@ -130,17 +154,19 @@ turn::turn(const std::string& store, milliseconds patience, milliseconds timeout
 // The agent runs commands in order, so once it answers a query, the answers of all earlier commands
 // are out.
 exchange_error turn::settle() const {
-  const exchange_error error = send_and_wait({ORV_COMMAND_TARGET_INFO, {}, {}}, timeout_).error;
+  // Known by its text, whatever stands before it.
+  const exchange_error error =
+      send_and_wait({ORV_COMMAND_TARGET_INFO, {}, {}}, timeout_, true).error;
   if (error == exchange_error::none) {
     lock_.set_answer_outstanding(false);
   }
   return error;
 }
 
-exchange_outcome turn::ask(const command& sent) const {
+exchange_outcome turn::ask(const command& sent, bool between_ticks) const {
   const bool was_settled = settled();
   lock_.set_answer_outstanding(!was_settled || describe(sent.code).answers_with != reply::none);
-  exchange_outcome outcome = send_and_wait(sent, timeout_);
+  exchange_outcome outcome = send_and_wait(sent, timeout_, between_ticks);
   if (was_settled && outcome.error == exchange_error::none) {
     lock_.set_answer_outstanding(false);
   }

@@ -45,7 +45,9 @@ class turn {
 
   // Sends the command and waits for its own answer: not one that stood in the store before, nor a
   // monitor's tick, nor, when settled, the late one of an earlier command.
-  [[nodiscard]] exchange_outcome ask(const command& sent) const;
+  // `between_ticks`: the caller has followed the result keys and knows that no tick has written but
+  // the first of them.
+  [[nodiscard]] exchange_outcome ask(const command& sent, bool between_ticks = false) const;
 
  private:
   std::chrono::milliseconds timeout_;

@@ -272,7 +272,7 @@ void watch_session::await_whole_tick() {
 
 bool watch_session::ask(const turn& now, const command& sent) {
   await_whole_tick();
-  const exchange_error error = now.ask(sent).error;
+  const exchange_error error = now.ask(sent, true).error;
   return error == exchange_error::none || fail(sent, error);
 }
 

@@ -83,7 +83,9 @@ background::~background() {
 }
 
 void background::signal(int number) const {
-  kill(pid_, number);
+  if (pid_ > 0) {
+    kill(pid_, number);
+  }
 }
 
 int background::wait(int deadline_ms) {

@@ -1,0 +1,214 @@
+// Watching the monitors, with the agent in its host and other tools beside.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <orv/protocol.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <vconf.h>
+
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "main_loop.h"
+#include "packet_check.h"
+#include "process.h"
+
+namespace {
+
+using orv_test::background;
+using orv_test::eventually;
+using orv_test::outcome;
+using orv_test::run;
+using testing::HasSubstr;
+using testing::StartsWith;
+namespace fs = std::filesystem;
+
+std::vector<std::string> lines_of(const fs::path& path) {
+  std::vector<std::string> lines;
+  std::ifstream file{path};
+  for (std::string line; std::getline(file, line);) {
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+std::string field(const std::string& row, int column) {
+  size_t at = 0;
+  for (int i = 0; i < column; ++i) {
+    at = row.find(',', at) + 1;
+  }
+  return row.substr(at, row.find(',', at) - at);
+}
+
+std::string text_of_packet() {
+  const std::unique_ptr<char, decltype(&free)> text{vconf_get_str(VCONFKEY_ORV_RESULT_DATA), free};
+  return text ? text.get() : "";
+}
+
+// orv-host, whose `ps` gives every line a thread id of its own: 1, 2, 3 and so on, all running.
+class Watch : public testing::Test {
+ protected:
+  static constexpr int threads_a_tick = 30;
+
+  void SetUp() override {
+    fs::remove_all(directory_);
+    fs::create_directories(directory_ / "bin");
+    std::ofstream{directory_ / "serial"} << "0\n";
+    std::ofstream{directory_ / "bin/ps"}
+        << "#!/bin/sh\ncd " << directory_.string() << "\nread n <serial\nend=$((n + "
+        << threads_a_tick
+        << "))\nwhile [ $n -lt $end ]; do n=$((n + 1)); "
+           "echo \"1 $n 0.0 bef01234 w R\"; done\necho $n >serial\n";
+    fs::permissions(directory_ / "bin/ps", fs::perms::owner_all);
+    start_host();
+  }
+
+  void start_host() {
+    host_ = std::make_unique<background>(std::vector<std::string>{
+        "sh", "-c",
+        "PATH=" + (directory_ / "bin").string() + ":$PATH exec orv-host >/dev/null 2>&1"});
+    ASSERT_TRUE(eventually([] {
+      return run({"orvctl", "--timeout", "0.1", "target"}).status == 0;
+    }));
+  }
+
+  [[nodiscard]] std::string shown() const { return (directory_ / "shown").string(); }
+
+  // The thread ids in the CSV file are 1, 2, 3 ... to the end; how many there are.
+  int expect_each_thread_once() const {
+    int expected = 0;
+    for (const std::string& row : lines_of(shown())) {
+      if (expected != 0 && field(row, 2) != std::to_string(expected)) {
+        ADD_FAILURE() << "row " << expected << ": " << row;
+        return expected;
+      }
+      ++expected;
+    }
+    return expected - 1;
+  }
+
+  fs::path directory_ = fs::path{getenv("ORV_PLATFORM_ROOT")} / "watch";
+  std::unique_ptr<background> host_;
+};
+
+// Asks until it is killed; with a status that is none of these, ends.
+int ask_forever(const std::vector<std::string>& words, const std::vector<int>& statuses,
+                const std::string& counter) {
+  for (int times = 1;; ++times) {
+    const outcome told = run(words);
+    if (std::find(statuses.begin(), statuses.end(), told.status) == statuses.end()) {
+      fputs(told.err.c_str(), stderr);
+      return 1;
+    }
+    std::ofstream{counter} << times;
+  }
+}
+
+TEST_F(Watch, LosesNoItemAndShowsNoneTwiceWhileOthersCommandAndAsk) {
+  background watch{{"orvctl", "monitor", "watch", "cpu", "--interval", "1", "--csv", shown()}};
+  ASSERT_TRUE(eventually([this] { return fs::exists(shown()); }));
+  const std::string queries = directory_ / "queries";
+  const std::string keys = directory_ / "keys";
+  background asking{[&] { return ask_forever({"orvctl", "target"}, {0}, queries); }};
+  // The answer is -1, but a tick may have written its 0 before the tool gets to read.
+  background tapping{[&] {
+    return ask_forever({"orvctl", "send", "event", "0", "1", "--data", "no such key"}, {0, 1},
+                       keys);
+  }};
+  // More than a packet can hold: 22 characters an item there, 30 here.
+  EXPECT_TRUE(eventually([&] { return fs::file_size(shown()) > 4500 * 30; }, 120000));
+  EXPECT_EQ(asking.wait(0), -1) << "a query was not answered";
+  EXPECT_EQ(tapping.wait(0), -1) << "a key was not answered";
+  EXPECT_TRUE(fs::exists(queries) && fs::exists(keys));
+  asking.signal(SIGKILL);
+  tapping.signal(SIGKILL);
+  watch.signal(SIGINT);
+  EXPECT_EQ(watch.wait(10000), 0);
+  const int last = expect_each_thread_once();
+  // One more `ps` was run for the threads' names.
+  EXPECT_EQ(lines_of(directory_ / "serial").at(0), std::to_string(last + threads_a_tick));
+}
+
+TEST_F(Watch, SumsUpAndLeavesNoMonitorRunning) {
+  ASSERT_EQ(run({"orvctl", "monitor", "start", "cpu", "--interval", "5"}).status, 0);
+  const outcome told = run({"orvctl", "monitor", "watch", "heap", "--for", "2500ms", "--json"});
+  EXPECT_EQ(told.status, 0) << told.err;
+  EXPECT_EQ(told.err, "");
+  std::istringstream lines{told.out};
+  nlohmann::json last;
+  uint32_t least = UINT32_MAX;
+  int items = 0;
+  for (std::string line; std::getline(lines, line); last = nlohmann::json::parse(line)) {
+    if (!last.is_null()) {
+      ++items;
+      EXPECT_EQ(last["item"], "heap");
+      least = std::min(least, last["free_bytes"].get<uint32_t>());
+    }
+  }
+  EXPECT_EQ(items, 2);
+  EXPECT_EQ(last["summary"]["items"], 2);
+  EXPECT_EQ(last["summary"]["free_bytes"]["least"], least);
+  // The CPU monitor that ran before is gone as well.
+  const std::string packet = text_of_packet();
+  EXPECT_EQ(orv_test::packet_fault(packet), "");
+  EXPECT_FALSE(orv_test::run_until([&] { return text_of_packet() != packet; }, 100));
+}
+
+TEST_F(Watch, HasTheMonitorsToItself) {
+  background watch{{"orvctl", "monitor", "watch", "cpu", "--interval", "20", "--csv", shown()}};
+  ASSERT_TRUE(eventually([this] { return lines_of(shown()).size() > 1; }));
+  for (const std::vector<std::string>& words :
+       {std::vector<std::string>{"orvctl", "monitor", "start", "heap"},
+        {"orvctl", "send", "monitor", "1", "0"},
+        {"orvctl", "--timeout", "0.1", "monitor", "watch", "heap"}}) {
+    const outcome told = run(words);
+    EXPECT_EQ(told.status, 3) << told.out;
+    EXPECT_THAT(told.err, HasSubstr("another orvctl watches the monitors"));
+  }
+  EXPECT_EQ(run({"orvctl", "stack"}).status, 0);
+  watch.signal(SIGKILL);
+  watch.wait();
+  // The next one takes over from the monitor that was left running.
+  const outcome told = run({"orvctl", "monitor", "watch", "heap", "--for", "100ms", "--json"});
+  EXPECT_EQ(told.status, 0) << told.err;
+  EXPECT_THAT(told.out, StartsWith("{\"summary\":{\"items\":0,"));
+}
+
+TEST_F(Watch, KeepsWhatItHadWhenTheHostIsKilled) {
+  background watch{{"sh", "-c",
+                    "orvctl --timeout 0.2 monitor watch cpu --interval 20 >" + shown() + " 2>" +
+                        shown() + ".err"}};
+  ASSERT_TRUE(eventually([this] { return lines_of(shown()).size() > 1; }));
+  host_->signal(SIGKILL);
+  EXPECT_EQ(watch.wait(10000), 3);
+  const auto errors = lines_of(shown() + ".err");
+  ASSERT_EQ(errors.size(), 1U);
+  EXPECT_THAT(errors[0], StartsWith("orvctl: no answer in 0.2 s"));
+  const auto lines = lines_of(shown());
+  EXPECT_THAT(lines[0], HasSubstr("s  cpu    thread 1 runs"));
+  EXPECT_THAT(lines, testing::Contains("seen running, times by thread:"));
+}
+
+TEST_F(Watch, GoesOnWhenTheAgentIsStartedAnew) {
+  background watch{{"orvctl", "monitor", "watch", "cpu", "--interval", "20", "--csv", shown()}};
+  ASSERT_TRUE(eventually([this] { return lines_of(shown()).size() > 1; }));
+  host_->signal(SIGKILL);
+  host_->wait();
+  start_host();
+  const size_t before = lines_of(shown()).size();
+  EXPECT_TRUE(eventually([&] { return lines_of(shown()).size() > before; }, 10000));
+  watch.signal(SIGTERM);
+  EXPECT_EQ(watch.wait(10000), 1) << "what the agent's start wiped may have held more";
+}
+
+TEST_F(Watch, EndsWithItsReader) {
+  background watch{{"sh", "-c", "orvctl monitor watch cpu --interval 20 | head -n 1 >/dev/null"}};
+  EXPECT_EQ(watch.wait(10000), 0);
+  EXPECT_TRUE(eventually([] { return run({"pgrep", "-x", "orvctl"}).status == 1; }));
+  EXPECT_EQ(run({"orvctl", "monitor", "stop", "cpu"}).status, 1) << "the application is not there";
+}
+
+}  // namespace
