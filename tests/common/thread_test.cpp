@@ -4,7 +4,6 @@
 #include <orv/thread.h>
 #include <semaphore.h>
 #include <signal.h>
-#include <stdint.h>
 #include <string.h>
 #include <time.h>
 
@@ -115,7 +114,7 @@ class Thread : public orv_test::AgentTest {
   gate gate_{};
 };
 
-std::string created(const std::string& name, pthread_t thread, int stack_size_bytes) {
+std::string created(const std::string& name, pthread_t thread, unsigned stack_size_bytes) {
   return "I " + name + " Thread created (ID=" + std::to_string(static_cast<unsigned>(thread)) +
          ", stack_size=" + std::to_string(stack_size_bytes) + ") ";
 }
@@ -128,27 +127,33 @@ std::string reason(int code) {
   return "I " + std::string{strerror(code)} + "(errno=" + std::to_string(code) + ") ";
 }
 
-void* own_stack_size(void* seen_id) {
-  *static_cast<pthread_t*>(seen_id) = orv_get_current_thread_id();
+struct self {
+  pthread_t id{};
+  size_t stack_size_bytes = 0;
+};
+
+void* look_at_self(void* argument) {
+  auto* seen = static_cast<self*>(argument);
+  seen->id = orv_get_current_thread_id();
   pthread_attr_t attributes;
-  size_t size = 0;
-  if (pthread_getattr_np(pthread_self(), &attributes) == 0) {
-    pthread_attr_getstacksize(&attributes, &size);
+  if (pthread_getattr_np(seen->id, &attributes) == 0) {
+    pthread_attr_getstacksize(&attributes, &seen->stack_size_bytes);
     __real_pthread_attr_destroy(&attributes);
   }
-  orv_thread_exit(reinterpret_cast<void*>(size));
+  orv_thread_exit(seen);
 }
 
 TEST_F(Thread, GetsTheStackThatItsLineShows) {
-  for (const auto& [asked, given] : {std::pair{131072, 131072}, {0, 1048576}}) {
+  for (const auto& [asked, given] : {std::pair{131072, 131072U}, {0, 1048576U}}) {
     SCOPED_TRACE(asked);
+    self seen;
     pthread_t thread{};
-    pthread_t seen_id{};
-    ASSERT_EQ(orv_thread_create(&thread, nullptr, 0, 7, asked, own_stack_size, &seen_id), 0);
-    void* stack_size = nullptr;
-    EXPECT_EQ(orv_thread_join(thread, &stack_size), 0);
-    EXPECT_EQ(reinterpret_cast<uintptr_t>(stack_size), static_cast<uintptr_t>(given));
-    EXPECT_EQ(seen_id, thread);
+    ASSERT_EQ(orv_thread_create(&thread, nullptr, 0, 7, asked, look_at_self, &seen), 0);
+    void* result = nullptr;
+    EXPECT_EQ(orv_thread_join(thread, &result), 0);
+    EXPECT_EQ(result, &seen);
+    EXPECT_EQ(seen.id, thread);
+    EXPECT_EQ(seen.stack_size_bytes, given);
     EXPECT_THAT(take_messages(), ElementsAre(created("(null)", thread, given),
                                              "I orv_thread_join():: Thread join success "));
   }
@@ -220,10 +225,12 @@ TEST_F(Thread, IsCancelledInSilence) {
   EXPECT_EQ(result, PTHREAD_CANCELED);
 }
 
-void* wait_for_signal(void* signals) {
-  int received = 0;
-  sigwait(static_cast<sigset_t*>(signals), &received);
-  return reinterpret_cast<void*>(static_cast<intptr_t>(received));
+void* wait_for_signal(void* received) {
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGUSR1);
+  sigwait(&signals, static_cast<int*>(received));
+  return nullptr;
 }
 
 TEST_F(Thread, ReceivesTheSignalInSilence) {
@@ -232,14 +239,14 @@ TEST_F(Thread, ReceivesTheSignalInSilence) {
   sigaddset(&signals, SIGUSR1);
   pthread_sigmask(SIG_BLOCK, &signals, nullptr);
   pthread_t thread{};
-  ASSERT_EQ(orv_thread_create(&thread, "a", 0, 1, 0, wait_for_signal, &signals), 0);
+  int received = 0;
+  ASSERT_EQ(orv_thread_create(&thread, "a", 0, 1, 0, wait_for_signal, &received), 0);
   take_messages();
   EXPECT_EQ(orv_thread_kill(thread, 0), 0);
   EXPECT_EQ(orv_thread_kill(thread, SIGUSR1), 0);
   EXPECT_THAT(take_messages(), IsEmpty());
-  void* received = nullptr;
-  EXPECT_EQ(orv_thread_join(thread, &received), 0);
-  EXPECT_EQ(reinterpret_cast<intptr_t>(received), SIGUSR1);
+  EXPECT_EQ(orv_thread_join(thread, nullptr), 0);
+  EXPECT_EQ(received, SIGUSR1);
 }
 
 TEST_F(Thread, ThatCannotBeCancelledOrSignalledIsNamed) {
