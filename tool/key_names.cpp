@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cctype>
 #include <numeric>
+#include <utility>
 
 namespace orvctl {
 namespace {
