@@ -12,14 +12,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <fstream>
 #include <string>
 
-namespace {
+#include "command_line.h"
 
-// Found through the program's run path: beside an installed host or in the build tree.
-constexpr char default_library[] = "liborv-agent.so.0";
+namespace {
 
 struct agent {
   int (*start)(void);
@@ -80,17 +78,14 @@ int run(const agent& loaded) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  CLI::App app{"Load the test agent and run it on a main loop until SIGTERM or SIGINT."};
-  app.footer(
-      "The store and the log lie under the directory that ORV_PLATFORM_ROOT names.\n"
-      "Exit status: 0 ended by a signal, 1 the library or the agent failed, 2 wrong usage.");
-  std::string library = default_library;
-  app.add_option("-l,--library", library, "The agent's shared library")->capture_default_str();
+  CLI::App app;
+  orv_host::options given;
+  orv_host::describe_program(app, given);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? 0 : 2;
   }
   agent loaded{};
-  return load(library, loaded) ? run(loaded) : 1;
+  return load(given.library, loaded) ? run(loaded) : 1;
 }

@@ -42,11 +42,10 @@ void run(context& shared, const options& given) {
 void add_send(CLI::App& app, context& shared) {
   const auto given = std::make_shared<options>();
   CLI::App* send = app.add_subcommand("send", "Send any command and print its answer");
-  send->footer("Commands: " + name_list() +
-               ".\nNegative numbers go behind --, as in: send 0x104 -- 3 1 -5 7");
+  send->footer("Negative numbers go behind --, as in: send 0x104 -- 3 1 -5 7");
   send->add_option("CODE", given->code, "Command: a name, or a number in decimal or hex (0x208)")
       ->required()
-      ->check(CLI::Validator{check_code, ""});
+      ->check(CLI::Validator{check_code, "{" + name_list() + "}"});
   send->add_option("PARAMETER", given->parameters,
                    "Up to four integers, decimal or hex; 0 if not given")
       ->expected(0, 4)

@@ -28,6 +28,9 @@ struct context {
 void add_target(CLI::App& app, context& shared);
 void add_heap(CLI::App& app, context& shared);
 void add_stack(CLI::App& app, context& shared);
+void add_key(CLI::App& app, context& shared);
+void add_touch(CLI::App& app, context& shared);
+void add_swipe(CLI::App& app, context& shared);
 void add_send(CLI::App& app, context& shared);
 void add_log(CLI::App& app, context& shared);
 void add_monitor(CLI::App& app, context& shared);

@@ -102,7 +102,7 @@ std::bitset<256> keys_down(Display* display) {
   XQueryKeymap(display, map);
   std::bitset<256> down;
   for (std::size_t keycode = 0; keycode < down.size(); keycode++)
-    down[keycode] = (static_cast<unsigned char>(map[keycode / 8]) >> (keycode % 8) & 1U) != 0;
+    down[keycode] = (map[keycode / 8] & (1 << keycode % 8)) != 0;
   return down;
 }
 

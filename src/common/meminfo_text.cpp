@@ -1,6 +1,7 @@
 #include "common/meminfo_text.h"
 
 #include <orv/meminfo.h>
+#include <stddef.h>
 #include <stdlib.h>
 #include <string.h>
 
@@ -9,31 +10,54 @@
 namespace orv {
 namespace {
 
-constexpr size_t name_size = 16;  // a name that does not fit with its NUL is not looked up
+constexpr ptrdiff_t name_size = 16;  // a name that does not fit with its NUL is not looked up
 
-void store(const char* name, const char* number, const meminfo_row* table, int count) {
-  const meminfo_row* end = table + count;
-  const meminfo_row* row = std::lower_bound(
-      table, end, name,
-      [](const meminfo_row& one, const char* wanted) { return strcmp(one.name, wanted) < 0; });
-  if (row != end && strcmp(row->name, name) == 0) {
-    *row->slot = static_cast<uint32_t>(strtoul(number, nullptr, 10));
+// strcmp, inline: names mostly differ in their first letters, and there are fifty to look up.
+int compare(const char* one, const char* other) {
+  while (*one == *other && *one != '\0') {
+    ++one;
+    ++other;
   }
+  return static_cast<unsigned char>(*one) - static_cast<unsigned char>(*other);
+}
+
+const meminfo_row* find_row(const char* name, const meminfo_row* table, int count) {
+  int low = 0;
+  int high = count;
+  while (low < high) {
+    const int middle = low + (high - low) / 2;
+    const int order = compare(name, table[middle].name);
+    if (order == 0) {
+      return &table[middle];
+    }
+    if (order < 0) {
+      high = middle;
+    } else {
+      low = middle + 1;
+    }
+  }
+  return nullptr;
 }
 
 }  // namespace
 
 void take_meminfo(char* text, const meminfo_row* table, int count) noexcept {
-  while (char* colon = strchr(text, ':')) {
-    *colon = '\0';
-    if (static_cast<size_t>(colon - text) < name_size) {
-      store(text, colon + 1, table, count);
+  char* const end = text + strlen(text);
+  while (true) {
+    char* const colon = std::find(text, end, ':');
+    if (colon == end) {
+      return;
     }
-    char* newline = strchr(colon + 1, '\n');
+    *colon = '\0';
+    const bool fits = colon - text < name_size;
+    if (const meminfo_row* row = fits ? find_row(text, table, count) : nullptr) {
+      *row->slot = static_cast<uint32_t>(strtoul(colon + 1, nullptr, 10));
+    }
+    void* const newline = memchr(colon + 1, '\n', static_cast<size_t>(end - (colon + 1)));
     if (newline == nullptr) {
       return;
     }
-    text = newline + 1;
+    text = static_cast<char*>(newline) + 1;
   }
 }
 

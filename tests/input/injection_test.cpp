@@ -19,6 +19,8 @@ using orv_test::virtual_key;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+constexpr char application_found[] = "I lumen-ui-host exist ";
+
 class Injection : public orv_test::InjectionTest {
  protected:
   void SetUp() override {
@@ -52,6 +54,8 @@ TEST_F(Injection, PressesAndReleasesAnyKeyAtOnce) {
 }
 
 TEST_F(Injection, OnlyReleasesAVirtualKeyWhenAskedTo) {
+  EXPECT_EQ(virtual_key("VK_INFO", 0), ok);
+  EXPECT_THAT(recorder_.take(), IsEmpty()) << "the server drops the release of a key that is up";
   key("VK_INFO", ORV_PRESS);
   recorder_.take();
   EXPECT_EQ(virtual_key("VK_INFO", 0), ok);
@@ -86,13 +90,15 @@ TEST_F(Injection, SendsNothingForAWrongParameterOrName) {
     EXPECT_EQ(virtual_key("KEY_OK", action), failed);
   }
   EXPECT_THAT(recorder_.take(), IsEmpty());
+  EXPECT_THAT(orv_test::take_messages(), testing::Not(testing::Contains(application_found)))
+      << "the check follows what was sent";
 }
 
 TEST_F(Injection, LogsItsParametersBeforeAnythingIsSent) {
   key("KEY_MENU", ORV_PRESS);
   EXPECT_THAT(orv_test::take_messages(),
               ElementsAre("I orv_event_key_handler+ ", "I   data=KEY_MENU ", "I   param2=1 ",
-                          "I orv_event_key_handler- ", "I lumen-ui-host exist "));
+                          "I orv_event_key_handler- ", application_found));
   virtual_key("KEY_MENU", 7);
   EXPECT_THAT(orv_test::take_messages(),
               ElementsAre("I orv_event_virtual_key_handler+ ", "I   param1=7 ", "I   param2=0 ",
@@ -102,7 +108,7 @@ TEST_F(Injection, LogsItsParametersBeforeAnythingIsSent) {
   EXPECT_THAT(
       orv_test::take_messages(),
       ElementsAre("I orv_event_touch_handler+ ", "I   param1=3 ", "I   param2=0 ", "I   param3=7 ",
-                  "I   param4=-8 ", "I lumen-ui-host exist ", "I orv_event_touch_handler- "));
+                  "I   param4=-8 ", application_found, "I orv_event_touch_handler- "));
   key("KEY_MENU", ORV_RELEASE);
 }
 

@@ -157,6 +157,14 @@ TEST_F(Samplers, LeaveTmpAloneWhereTheyCannotHaveAFileOfTheirOwn) {
   fs::create_directories("/tmp/stackmon/full");
   expect_nothing();
   EXPECT_TRUE(fs::exists("/tmp/stackmon/full"));
+  fs::remove_all(lister_file);
+  std::ofstream{"/tmp/victim"} << "1 7 0.0 bef01234 worker S\n";
+  std::ofstream{lister_file} << "";
+  {
+    const mounted cannot_be_removed{"/tmp/victim", lister_file};
+    expect_nothing();
+    EXPECT_EQ(fs::file_size("/tmp/victim"), 26U);
+  }
   const mounted read_only{orv_test::memory_files{"", MS_RDONLY}, "/tmp"};
   expect_nothing();
 }

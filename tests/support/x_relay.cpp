@@ -96,7 +96,11 @@ bool x_relay::take_replies(int server, int client) {
   }
   const size_t allowed = std::min(static_cast<size_t>(count), bytes_allowed_ - bytes_sent_);
   bytes_sent_ += allowed;
-  return send_all(client, {bytes, allowed}) && bytes_sent_ < bytes_allowed_;
+  const bool last = bytes_sent_ >= bytes_allowed_;
+  if (last) {
+    shutdown(client, SHUT_RD);  // however fast it answers, it writes to nobody
+  }
+  return send_all(client, {bytes, allowed}) && !last;
 }
 
 bool x_relay::take_requests(int client, int server) {

@@ -1,0 +1,144 @@
+#!/bin/bash
+# The runner with namespaces: what a command sees, and that all of it ends.
+# runner_test.sh BUILD_DIR
+source "$(dirname "${BASH_SOURCE[0]}")/shell_test.sh"
+
+"$camera" --require-namespaces --no-display -- true || exit
+
+bare() {
+  "$camera" --no-display "$@"
+}
+
+namespace_is_empty() {
+  ! readlink /proc/[0-9]*/ns/pid | grep -qxF "$1"
+}
+
+test_command_sees_only_its_own_processes_files_and_network() {
+  touch "$scratch_dir/outside"
+  # The build is brought in wherever it lies, its path may begin in /tmp.
+  bare -- bash -c 'find /tmp /sdcard ! -type d | grep -v "^$1/"; processes=(/proc/[0-9]*)
+    echo "${#processes[@]}"; grep -c : /proc/net/dev; stat -c %a "$ORV_PLATFORM_ROOT"
+    ls -A "$ORV_PLATFORM_ROOT"' bash "${camera%/bin/camera}" >"$scratch_dir/seen"
+  expect_equal "$(<"$scratch_dir/seen")" $'2\n1\n700'
+}
+
+test_nothing_of_the_camera_lands_on_the_machine() {
+  local before
+  before=$(ls -A /)
+  bare --bind /etc/passwd /made/by/bind -- \
+    bash -c 'touch "/tmp/$1" /sdcard/b "$ORV_PLATFORM_ROOT"/c /d && test -s /made/by/bind' \
+    bash "${scratch_dir##*/}-mark"
+  expect_equal "$?" 0
+  expect_equal "$(ls -A /)" "$before"
+  [[ ! -e /tmp/${scratch_dir##*/}-mark ]] || fail_check "the camera's /tmp is the machine's"
+}
+
+test_exit_status_is_the_commands() {
+  bare -- bash -c 'exit 7'
+  expect_equal "$?" 7
+  bare -- bash -c 'kill -KILL $$'
+  expect_equal "$?" 137
+}
+
+test_stdin_and_arguments_reach_the_command_unchanged() {
+  expect_equal "$(printf 'a  b' | bare -- bash -c 'cat; printf "<%s>" "$@"' - ' * ' '')" \
+    'a  b< * ><>'
+}
+
+test_what_the_command_left_running_ends_with_it() {
+  unique_sleep
+  bare -- bash -c "setsid sleep $sleep_seconds & disown"
+  wait_until is_gone "sleep $sleep_seconds"
+}
+
+test_all_ends_when_the_runner_is_ended_by_a_signal() {
+  local signal runner namespace
+  for signal in TERM INT KILL; do
+    unique_sleep
+    # A job in the background would ignore SIGINT, and hand that on.
+    env --default-signal=INT "$camera" --no-app -- sleep "$sleep_seconds" 2>/dev/null &
+    runner=$!
+    wait_until is_running "sleep $sleep_seconds"
+    namespace=$(readlink "/proc/$(pgrep -fx "sleep $sleep_seconds")/ns/pid")
+    kill -s "$signal" "$runner"
+    wait "$runner" 2>/dev/null
+    expect_equal "$?" "$((128 + $(kill -l "$signal")))"
+    wait_until namespace_is_empty "$namespace"
+  done
+}
+
+test_cameras_run_side_by_side_without_seeing_each_other() {
+  local first second
+  "$camera" -- bash -c 'touch /sdcard/first; read -r; ls /sdcard; pgrep -c lumen-ui-host' \
+    < <(wait_until test -e "$scratch_dir/second-ran"; echo) >"$scratch_dir/first" &
+  first=$!
+  second=$("$camera" -- bash -c 'touch /sdcard/second; ls /sdcard; pgrep -c lumen-ui-host')
+  touch "$scratch_dir/second-ran"
+  wait "$first"
+  expect_equal "$second" $'second\n1'
+  expect_equal "$(<"$scratch_dir/first")" $'first\n1'
+}
+
+# A picture of the empty display is small, that of the application is not.
+test_application_fills_the_display_when_the_command_starts() {
+  "$camera" --store "$scratch_dir/with" -- orv-screenshot "$scratch_dir/with/shot.png"
+  "$camera" --store "$scratch_dir/without" --no-app -- orv-screenshot "$scratch_dir/without/shot.png"
+  (($(stat -c %s "$scratch_dir/with/shot.png") > 100000)) || fail_check "shows little"
+  (($(stat -c %s "$scratch_dir/without/shot.png") < 10000)) || fail_check "shows something"
+  expect_equal "$(DISPLAY=:0 bare -- bash -c 'echo "${DISPLAY-none}"')" none
+}
+
+# The agent looks for the application by name among all processes, dead ones included. A
+# command that never waits for children, as sleep, must not be left with a dead one.
+test_dead_application_leaves_no_process_behind() {
+  "$camera" --store "$scratch_dir/reaped" -- bash -c '
+    app=$(pgrep lumen-ui-host)
+    { kill -KILL "$app"; for _ in {1..500}; do [[ -e /proc/$app ]] || break; sleep 0.02; done
+      [[ -e /proc/$app ]] || touch "$ORV_PLATFORM_ROOT/gone"; kill $$; } &
+    exec sleep 60'
+  [[ -e $scratch_dir/reaped/gone ]] || fail_check "a zombie stays"
+}
+
+test_store_outlives_the_camera_and_is_shared_with_the_outside() {
+  local store=$scratch_dir/store
+  bare --store "$store" -- bash -c 'echo inside >"$ORV_PLATFORM_ROOT/value"'
+  expect_equal "$(stat -c %a "$store") $(<"$store/value")" '700 inside'
+}
+
+test_bound_file_is_read_only() {
+  echo original >"$scratch_dir/file"
+  bare --bind "$scratch_dir/file" /sdcard/file -- bash -c 'echo new >/sdcard/file' 2>/dev/null
+  expect_equal "$?: $(<"$scratch_dir/file")" '1: original'
+}
+
+test_wrong_use_gets_one_line() {
+  expect_failure 125 'camera: no command given: camera [OPTION...] -- COMMAND [ARGUMENT...]' bare
+  expect_failure 125 'camera: unknown option --nap (camera --help lists them)' \
+    "$camera" --nap -- true
+  expect_failure 125 'camera: --bind needs two paths, SRC and DEST' bare --bind /etc/passwd
+  expect_failure 125 'camera: --bind: /none does not exist' bare --bind /none /tmp/x -- true
+  expect_failure 125 'camera: --bind: /tmp/../etc/x is not an absolute path' \
+    bare --bind /etc/passwd /tmp/../etc/x -- true
+  expect_failure 125 \
+    'camera: --bind: /usr/lib/none does not exist, and making it would change this machine' \
+    bare --bind /etc/passwd /usr/lib/none -- true
+  expect_failure 125 'camera: --store: cannot make the directory /proc/none' \
+    bare --store /proc/none -- true
+  expect_failure 127 \
+    'camera: nap: no such program in the camera (its /tmp is empty; --bind adds files)' \
+    bare -- nap
+}
+
+test_missing_parts_get_one_line() {
+  mkdir -p "$scratch_dir"/{tools,tree/bin,tree/lib}
+  ln -s /usr/bin/{bash,readlink,mkdir} "$scratch_dir/tools"
+  cp "$camera" "$scratch_dir/tree/bin"
+  expect_failure 125 'camera: bwrap is not installed (Debian: bubblewrap)' \
+    env PATH="$scratch_dir/tools" bash "$camera" --no-display -- true
+  expect_failure 125 'camera: Xvfb is not installed (Debian: xvfb)' \
+    env PATH="$scratch_dir/tools" bash "$camera" -- true
+  expect_failure 125 "camera: no application: $scratch_dir/tree/bin/lumen-ui-host is missing (--no-app does without)" \
+    "$scratch_dir/tree/bin/camera" -- true
+}
+
+run_tests

@@ -1,0 +1,79 @@
+# The Debian packages, unpacked into a tree of their own: what they need, what they hold, and that
+# their programs run from there.
+"${CMAKE%cmake}cpack" --config "$BUILD/CPackConfig.cmake" -B packages >cpack.log 2>&1 ||
+  fail "$(tail -n 5 cpack.log)"
+names=$(for package in packages/*.deb; do dpkg-deb -f "$package" Package; done)
+expect 'packages' $'liborv-agent\nliborv-agent-dev\norv-camera-sim\norv-tools' "$(sort <<<"$names")"
+
+version=$(dpkg-deb -f packages/liborv-agent_*.deb Version)
+needs() {
+  dpkg-deb -f packages/"$1"_"$version"_*.deb Depends | sed 's/ ([^)]*)//g'
+}
+contains() {
+  [[ ", $2, " == *", $3, "* ]] || fail "$1 does not depend on $3: $2"
+}
+for package in liborv-agent orv-tools orv-camera-sim; do
+  contains $package "$(needs $package)" libglib2.0-0
+done
+contains orv-camera-sim "$(needs orv-camera-sim)" bubblewrap
+contains orv-camera-sim "$(needs orv-camera-sim)" xvfb
+contains liborv-agent-dev "$(dpkg-deb -f packages/liborv-agent-dev_*.deb Depends)" \
+  "liborv-agent (= $version)"
+# A camera has the platform's libraries without this package.
+[[ $(needs liborv-agent) != *orv-camera-sim* ]] || fail 'the agent insists on the simulated camera'
+
+# No file comes twice, each package holds what it is for.
+for package in packages/*.deb; do
+  name=$(dpkg-deb -f "$package" Package)
+  dpkg-deb --fsys-tarfile "$package" | tar -t | grep -v '/$' | sed 's|^\./||' >"$name.files"
+  dpkg-deb -x "$package" tree
+done
+expect 'files in two packages' '' "$(sort ./*.files | uniq -d)"
+holds() {
+  local file
+  for file in "${@:2}"; do
+    grep -qx "$file" "$1.files" || fail "$1 lacks $file"
+  done
+}
+holds liborv-agent usr/bin/orv-host usr/lib/systemd/system/orv-host.service \
+  usr/share/man/man8/orv-host.8.gz "usr/$LIBDIR/liborv-agent.so.0"
+holds liborv-agent-dev "usr/$LIBDIR/liborv-agent.so" "usr/$LIBDIR/pkgconfig/orv-agent.pc" \
+  usr/include/orv/agent.h
+holds orv-tools usr/bin/orvctl usr/share/man/man1/orvctl.1.gz \
+  usr/share/bash-completion/completions/orvctl usr/share/zsh/vendor-completions/_orvctl
+holds orv-camera-sim usr/bin/orv-camera usr/bin/dlogutil usr/bin/lumen-ui-host \
+  "usr/$LIBDIR/libvconf.so.0" "usr/$LIBDIR/libdlog.so.0" "usr/$LIBDIR/libversion-info.so.0"
+
+for page in tree/usr/share/man/man?/*; do
+  warnings=$(MANWIDTH=80 man --warnings -l -E UTF-8 "$page" 2>&1 >/dev/null)
+  expect "warnings of $page" '' "$warnings"
+done
+man -l -E ascii -P cat tree/usr/share/man/man1/orvctl.1.gz >orvctl.txt
+for subcommand in $(tree/usr/bin/orvctl --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z]\S*\).*/\1/p'); do
+  grep -q "^   orvctl $subcommand " orvctl.txt || fail "the manual page lacks $subcommand"
+done
+
+# The verifier looks for programs in the machine's own directories, where orv-host is not.
+if type -P systemd-analyze >/dev/null; then
+  complaints=$(systemd-analyze verify --man=no tree/usr/lib/systemd/system/orv-host.service 2>&1 |
+    grep -v 'Command orv-host is not executable' || true)
+  expect 'complaints about the unit' '' "$complaints"
+fi
+
+# A copy of the build tree's run path would find the build tree's libraries.
+for program in tree/usr/bin/orv-host tree/usr/bin/orvctl "tree/usr/$LIBDIR/liborv-agent.so.0"; do
+  ! readelf -d "$program" | grep -qF "$BUILD" || fail "$program looks into the build tree"
+done
+cat >tree/usr/session.sh <<'END'
+coproc orv-host 2>/dev/null
+host=$!
+read -r <&"${COPROC[0]}"
+orvctl target --json
+status=$?
+kill $host
+wait $host || status=$?
+exit $status
+END
+identity=$(tree/usr/bin/orv-camera --require-namespaces --no-display -- \
+  bash "$work/tree/usr/session.sh") || exit
+[[ $identity == *'"platform": "Q7"'* ]] || fail "no identity: $identity"

@@ -1,0 +1,16 @@
+# On a camera the agent runs with the camera's libraries. Here others than the stand-ins come first:
+# the host's agent uses them and answers through them.
+read -ra glib < <(pkg-config --cflags --libs glib-2.0)
+for library in vconf dlog version-info; do
+  "$CC" -std=gnu11 -Wall -Wextra -Werror -shared -fPIC -Wl,-soname,lib$library.so.0 \
+    "$here/replacement/${library//-/_}.c" -o lib$library.so.0 "${glib[@]}"
+done
+
+LD_LIBRARY_PATH=$work timeout 60 "$BUILD/bin/orv-host" >out 2>err || fail "the host: $(<err)"
+answer=$(grep -A 1 '^memory/orv/result_data=C' out) || fail "no answer in: $(<out)"
+expect 'the answer' 'memory/orv/result_data=CSC,Q7,ANOTHER,MP,9.9,240,RELEASE,0
+memory/orv/result=0' "$answer"
+expect 'the stop' 'ignore memory/orv/cmd 1' "$(grep '^ignore' out)"
+expect 'the first log line' \
+  $'log 3 4 ORV orv_handler.cpp: orv_init_handler(LINE) > \e[33morv_init_handler+ \e[m' \
+  "$(grep -m 1 '^log' out | sed 's/([0-9]*)/(LINE)/')"

@@ -1,0 +1,76 @@
+/* A store as a camera might have it, from the platform's contract alone: no header of the stand-in,
+ * no files. It asks the agent who it is as soon as it is watched, prints what the agent writes, and
+ * ends the host after the answer. */
+#include <glib.h>
+#include <signal.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <unistd.h>
+
+struct node {
+  const char* name;
+};
+typedef void (*changed)(struct node* node, void* user_data);
+
+static struct node command_node = {"memory/orv/cmd"};
+static changed watcher;
+
+static gboolean write_command(gpointer user_data) {
+  watcher(&command_node, user_data);
+  return G_SOURCE_REMOVE;
+}
+
+int vconf_notify_key_changed(const char* key, changed callback, void* user_data);
+int vconf_notify_key_changed(const char* key, changed callback, void* user_data) {
+  if (strcmp(key, command_node.name) != 0) {
+    return -1;
+  }
+  watcher = callback;
+  g_idle_add(write_command, user_data);
+  return 0;
+}
+
+int vconf_ignore_key_changed(const char* key, changed callback);
+int vconf_ignore_key_changed(const char* key, changed callback) {
+  printf("ignore %s %d\n", key, callback == watcher);
+  return 0;
+}
+
+char* vconf_keynode_get_name(struct node* node);
+char* vconf_keynode_get_name(struct node* node) {
+  return (char*)(gpointer)node->name;
+}
+
+int vconf_keynode_get_type(struct node* node);
+int vconf_keynode_get_type(struct node* node) {
+  (void)node;
+  return 41;
+}
+
+int vconf_get_int(const char* key, int* value);
+int vconf_get_int(const char* key, int* value) {
+  *value = strcmp(key, command_node.name) == 0 ? 0x208 : 0;
+  return 0;
+}
+
+char* vconf_get_str(const char* key);
+char* vconf_get_str(const char* key) {
+  (void)key;
+  return calloc(1, 1);
+}
+
+int vconf_set_int(const char* key, int value);
+int vconf_set_int(const char* key, int value) {
+  printf("%s=%d\n", key, value);
+  if (strcmp(key, "memory/orv/result") == 0 && value == 0) {
+    kill(getpid(), SIGTERM);
+  }
+  return 0;
+}
+
+int vconf_set_str(const char* key, const char* value);
+int vconf_set_str(const char* key, const char* value) {
+  printf("%s=%s\n", key, value);
+  return 0;
+}

@@ -1,0 +1,31 @@
+#include "injection.h"
+
+#include <stdio.h>
+
+#include "subcommand.h"
+
+#include <orv/protocol.h>
+
+namespace orvctl {
+
+bool inject(context& shared, const std::string& what, const command& sent) {
+  const int before = shared.status;
+  const auto answered = ask(shared, sent);
+  if (!answered) {
+    return false;
+  }
+  if (answered->result == ORV_RESULT_OK) {
+    printf("%s: done\n", what.c_str());
+    shared.status = before;
+    return true;
+  }
+  fflush(stdout);
+  fprintf(stderr,
+          "orvctl: %s: the agent answered %d: the camera application is gone, /sdcard has more "
+          "entries than at first, the X display is out of reach, the agent does not know the "
+          "name, or an earlier failure was not cleared yet, which this command did\n",
+          what.c_str(), answered->result);
+  return true;
+}
+
+}  // namespace orvctl
