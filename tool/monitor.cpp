@@ -67,7 +67,7 @@ void add_monitor(CLI::App& app, context& shared) {
   monitor->require_subcommand(1);
   add_start(*monitor, shared);
   add_stop(*monitor, shared);
-  add_monitor_watch(*monitor, shared);
+  add_monitor_watch(app, *monitor, shared);
 }
 
 }  // namespace orvctl

@@ -39,6 +39,11 @@ inline command stop_command(const monitor_kind& kind) {
   return {ORV_COMMAND_MONITOR, {kind.type, ORV_MONITOR_STOP}, {}};
 }
 
+// Neither starts nor stops anything.
+inline command health_command(const monitor_kind& kind) {
+  return {ORV_COMMAND_MONITOR, {kind.type, -1}, {}};
+}
+
 }  // namespace orvctl
 
 #endif

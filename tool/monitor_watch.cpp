@@ -22,6 +22,9 @@ namespace {
 // empty the key behind it, could fill the packet.
 constexpr int longest_interval_ms = 10000;
 
+// For a tick of the stack monitor the target runs a shell command a thread.
+constexpr double stack_timeout_s = 30;
+
 struct options {
   std::vector<std::string> monitors;
   int interval_ms = default_cpu_interval_ms;
@@ -74,11 +77,15 @@ std::map<int, std::string> thread_names(const watch_session& session) {
   return names;
 }
 
+bool watches(const options& given, std::string_view name) {
+  const auto& names = given.monitors;
+  return names.empty() || std::find(names.begin(), names.end(), name) != names.end();
+}
+
 watch_settings settings_of(const options& given) {
   watch_settings settings{{}, given.interval_ms, {}, {}, {}};
   for (const monitor_kind& kind : monitor_kinds) {
-    const auto& names = given.monitors;
-    if (names.empty() || std::find(names.begin(), names.end(), kind.name) != names.end()) {
+    if (watches(given, kind.name)) {
       settings.monitors.push_back(&kind);
     }
   }
@@ -132,15 +139,16 @@ std::string check_duration(const std::string& text) {
 
 }  // namespace
 
-void add_monitor_watch(CLI::App& monitor, context& shared) {
+void add_monitor_watch(CLI::App& app, CLI::App& monitor, context& shared) {
   const auto given = std::make_shared<options>();
   CLI::App* watch = monitor.add_subcommand("watch", "Run monitors and show what they see");
   watch->footer(
       "Without a MONITOR all three are watched, without --for until Ctrl-C. Monitors that ran\n"
-      "before are stopped, and so are the watched ones at the end. Meanwhile other orvctl "
-      "commands\n"
-      "work but for those to the monitors; a query waits for a tick of the slowest monitor.\n"
-      "Exit status 1: items may be missing.");
+      "before are stopped, and so are the watched ones at the end. Meanwhile other orvctl\n"
+      "commands work but for those to the monitors; a query waits for a tick of the slowest\n"
+      "monitor. Times are since the agent's start, free memory is told modulo 4 GiB. A tick of\n"
+      "stack takes the target about 20 ms for each of its threads: unless --timeout says\n"
+      "otherwise, an answer is waited for 30 s then. Exit status 1: items may be missing.");
   watch->add_option("MONITOR", given->monitors, "cpu, heap, stack")->check(is_monitor());
   watch->add_option("--for", given->duration, "How long, as in 30s, 500ms, 2m or 1h")
       ->check(CLI::Validator{check_duration, ""});
@@ -148,10 +156,11 @@ void add_monitor_watch(CLI::App& monitor, context& shared) {
   CLI::Option* json = watch->add_flag("--json", given->json, "Print a JSON object a line");
   watch->add_option("--csv", given->csv_path, "Write the items as CSV into this file instead")
       ->excludes(json);
-  watch->callback([&shared, interval, given] {
-    const auto& names = given->monitors;
-    refuse_interval_without_cpu(
-        *interval, names.empty() || std::find(names.begin(), names.end(), "cpu") != names.end());
+  watch->callback([&app, &shared, interval, given] {
+    refuse_interval_without_cpu(*interval, watches(*given, "cpu"));
+    if (watches(*given, "stack") && app.get_option("--timeout")->count() == 0) {
+      shared.timeout_s = stack_timeout_s;
+    }
     run(shared, *given);
   });
 }

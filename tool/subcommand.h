@@ -34,7 +34,7 @@ void add_swipe(CLI::App& app, context& shared);
 void add_send(CLI::App& app, context& shared);
 void add_log(CLI::App& app, context& shared);
 void add_monitor(CLI::App& app, context& shared);
-void add_monitor_watch(CLI::App& monitor, context& shared);
+void add_monitor_watch(CLI::App& app, CLI::App& monitor, context& shared);
 
 // Runs the exchange; a failure is told on standard error and becomes the exit status. With an
 // answer, the exit status is the answer's.

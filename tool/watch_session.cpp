@@ -72,6 +72,7 @@ watch_session::watch_session(context& shared, watch_settings settings)
       [&](const auto* one, const auto* other) { return interval(one) < interval(other); });
   slowest_ = *slowest;
   quiet_limit_ = 2 * milliseconds{interval(*fastest)} + quiet_margin;
+  silent_limit_ = 2 * milliseconds{interval(*slowest)} + shared.timeout();
 }
 
 watch_session::~watch_session() {
@@ -130,7 +131,7 @@ bool watch_session::follow() {
   while (!over_) {
     g_main_context_iteration(nullptr, TRUE);
     const bool slowest_ticked = look();
-    if (!over_ && pause_is_due(slowest_ticked) && !pause()) {
+    if (!over_ && !(pause_is_due(slowest_ticked) ? pause() : look_after_host())) {
       return false;
     }
   }
@@ -144,6 +145,7 @@ bool watch_session::look() {
 
 bool watch_session::take_news() {
   last_change_ = clock::now();
+  host_answered_ = false;
   const std::string packet = read_packet();
   packet_size_ = packet.size();
   const packet_follower::news news = follower_.look(packet);
@@ -161,13 +163,24 @@ bool watch_session::take_news() {
 }
 
 // A monitor that is started again begins its interval anew, which costs one that has just ticked
-// nothing: so at best the pause follows a tick of the slowest. A host that has gone silent may be
-// gone, which the pause finds out, or may have started its agent anew, without monitors.
+// nothing: so at best the pause follows a tick of the slowest.
 bool watch_session::pause_is_due(bool slowest_ticked) const {
-  if (packet_size_ >= full_size || clock::now() - last_change_ > quiet_limit_) {
+  return packet_size_ >= full_size ||
+         (slowest_ticked && (packet_size_ >= roomy_size || right_.packet_wanted()));
+}
+
+// Whether it goes on. A host that is silent may be gone, or only busy; when it answers and stays
+// silent, its agent was started anew, without monitors.
+bool watch_session::look_after_host() {
+  if (clock::now() - last_change_ < (host_answered_ ? silent_limit_ : quiet_limit_)) {
     return true;
   }
-  return slowest_ticked && (packet_size_ >= roomy_size || right_.packet_wanted());
+  last_change_ = clock::now();
+  return std::exchange(host_answered_, true) ? pause() : in_turn(&watch_session::probe);
+}
+
+bool watch_session::probe(const turn& now) {
+  return ask(now, health_command(*slowest_));
 }
 
 bool watch_session::pause() {

@@ -64,10 +64,12 @@ class watch_session {
   bool take_news();
   [[nodiscard]] bool pause_is_due(bool slowest_ticked) const;
   bool pause();
+  bool look_after_host();
 
   bool in_turn(step one);
   bool take_over(const turn& now);
   bool halt(const turn& now);
+  bool probe(const turn& now);
   bool finish(const turn& now);
   bool resume(const turn& now);
   bool settle(const turn& now);
@@ -81,7 +83,8 @@ class watch_session {
   context& shared_;
   watch_settings settings_;
   const monitor_kind* slowest_;
-  std::chrono::milliseconds quiet_limit_;
+  std::chrono::milliseconds quiet_limit_;   // of a host whose monitors tick
+  std::chrono::milliseconds silent_limit_;  // of one that answers
   packet_right right_;
   packet_follower follower_;
   size_t packet_size_ = 0;
@@ -89,6 +92,7 @@ class watch_session {
   int looked_at_ = 0;       // changes_ at the last look
   bool half_tick_ = false;  // the packet has changed, the result that follows has not
   clock::time_point last_change_ = clock::now();
+  bool host_answered_ = false;  // in its silence
   bool over_ = false;
 };
 
