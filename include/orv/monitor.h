@@ -17,11 +17,7 @@ ORV_BEGIN_DECLS
 
 struct orv_command; /* <orv/command.h> */
 
-enum {
-  ORV_MON_ACTION_START = 0,
-  ORV_MON_ACTION_TERMINATE = 1,
-  ORV_MON_ACTION_CHANGE_PROPERTY = 2
-};
+enum { ORV_MON_ACTION_START = 0, ORV_MON_ACTION_TERMINATE = 1, ORV_MON_ACTION_CHANGE_PROPERTY = 2 };
 
 /* Runs the operation that `action` names. Its result, or -1 for an unknown action (logged). The
  * request stays the caller's: param1 is the monitor type, param2 not 0 to register the timer of a

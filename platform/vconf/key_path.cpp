@@ -15,7 +15,9 @@ namespace {
 // do not. 0 where none was drawn yet, in a fork too.
 std::atomic<uint64_t> own_id{0};
 
-void forget_own_id() { own_id = 0; }
+void forget_own_id() {
+  own_id = 0;
+}
 
 uint64_t draw_id() {
   [[maybe_unused]] static const int registered = pthread_atfork(nullptr, nullptr, forget_own_id);

@@ -46,6 +46,6 @@ __attribute__((visibility("default"))) void* realloc(void* memory, size_t size) 
 }
 
 }  // extern "C"
-// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+   // NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 
 #endif
