@@ -44,55 +44,43 @@ bool wanted(const dlog::record& found, std::span<char*> tags) {
                                      [&](const char* tag) { return strcmp(tag, found.tag) == 0; });
 }
 
-uint64_t next_record(const dlog::ring& log, uint64_t from, uint64_t end, dlog::record& scratch) {
-  while (from < end && !log.read(from, scratch)) {
-    from += sizeof(uint64_t);
-  }
-  return from;
-}
-
-// Prints from `position` to where the log is whole; returns where it stopped.
-uint64_t print_from(const dlog::ring& log, uint64_t position, std::span<char*> tags) {
+// Prints what came since `position` and returns where it stopped: at the log's end, or before it at
+// a record that its writer has yet to finish. `skip_unfinished` passes over such records.
+uint64_t print_from(const dlog::ring& log, uint64_t position, bool skip_unfinished,
+                    std::span<char*> tags, dlog::snapshot& shot) {
+  log.copy_from(position, shot);
+  const uint64_t overtaken = log.tail();
   dlog::record found;
-  if (position < log.tail()) {
-    position = next_record(log, log.tail(), log.head(), found);
-  }
-  while (position < log.head() && log.read(position, found)) {
-    if (wanted(found, tags)) {
-      print(found);
+  position = shot.begin();
+  while (position < shot.end()) {
+    if (shot.read(position, found)) {
+      if (wanted(found, tags)) {
+        print(found);
+      }
+      position += found.header.size;
+    } else if (skip_unfinished || position < overtaken) {
+      position = shot.find_record(position);
+    } else {
+      break;
     }
-    position += found.header.size;
   }
   fflush(stdout);
   return position;
 }
 
-void follow(const dlog::ring& log, uint64_t position, std::span<char*> tags) {
+void follow(const dlog::ring& log, std::span<char*> tags) {
+  dlog::snapshot shot;
+  uint64_t position = print_from(log, 0, false, tags, shot);
   int looks = 0;
   while (ferror(stdout) == 0) {
-    const uint64_t end = log.head();
-    if (position >= end) {
-      log.wait_beyond(end);
+    if (position == log.head()) {
+      log.wait_beyond(position);
     }
     const timespec pause{0, look_interval_ns};
     nanosleep(&pause, nullptr);
-    const uint64_t reached = print_from(log, position, tags);
+    const uint64_t reached = print_from(log, position, looks >= unfinished_looks, tags, shot);
     looks = reached == position ? looks + 1 : 0;
     position = reached;
-    if (looks >= unfinished_looks) {
-      dlog::record scratch;
-      position = next_record(log, position, end, scratch);
-      looks = 0;
-    }
-  }
-}
-
-void print_all(const dlog::ring& log, std::span<char*> tags) {
-  const uint64_t end = log.head();
-  uint64_t position = print_from(log, 0, tags);
-  while (position < end) {
-    dlog::record scratch;
-    position = print_from(log, next_record(log, position, end, scratch), tags);
   }
 }
 
@@ -116,9 +104,10 @@ int main(int argc, char** argv) {
     return 1;
   }
   if (dump) {
-    print_all(*log, words.subspan(1));
+    dlog::snapshot shot;
+    print_from(*log, 0, true, words.subspan(1), shot);
   } else {
-    follow(*log, print_from(*log, 0, words), words);
+    follow(*log, words);
   }
   return 0;
 }

@@ -142,24 +142,43 @@ void ring::append(record_header header, std::string_view tag, std::string_view t
   }
 }
 
-bool ring::read(uint64_t position, record& result) const noexcept {
-  const char* place = data_ + position % ring_size;
+// Newest bytes first: behind the tail writers are at work, and a copy that began there would chase
+// them all the way.
+void ring::copy_from(uint64_t position, snapshot& copy) const noexcept {
+  constexpr size_t piece = 16384;
+  copy.end_ = head();
+  copy.begin_ = std::clamp(position, copy.end_ > ring_size ? copy.end_ - ring_size : 0, copy.end_);
+  for (size_t left = copy.end_ - copy.begin_; left > 0;) {
+    const size_t size = std::min(left, piece);
+    left -= size;
+    memcpy(copy.bytes_.data() + left, data_ + (copy.begin_ + left) % ring_size, size);
+  }
+}
+
+bool snapshot::read(uint64_t position, record& result) const noexcept {
+  const size_t available = end() - position;
+  const char* place = bytes_.data() + (position - begin_);
+  if (available < sizeof result.header) {
+    return false;
+  }
   memcpy(&result.header, place, sizeof result.header);
-  if (!plausible(result.header)) {
+  const record_header& header = result.header;
+  if (!plausible(header) || header.size > available ||
+      checksum(position, place, header.size) != header.checksum) {
     return false;
   }
-  // A private copy: the bytes may be overwritten while they are looked at.
-  alignas(uint64_t) char bytes[sizeof(record_header) + max_tag_size + max_text_size + 8];
-  const record_header header = result.header;
-  memcpy(bytes, place, header.size);
-  if (checksum(position, bytes, header.size) != header.checksum ||
-      memcmp(bytes, &header, sizeof header) != 0) {
-    return false;
-  }
-  const char* tag = bytes + sizeof header;
+  const char* tag = place + sizeof header;
   *std::copy_n(tag, header.tag_size, result.tag) = '\0';
   *std::copy_n(tag + header.tag_size, header.text_size, result.text) = '\0';
   return true;
+}
+
+uint64_t snapshot::find_record(uint64_t from) const noexcept {
+  record scratch;
+  while (from < end() && !read(from, scratch)) {
+    from += sizeof(uint64_t);
+  }
+  return from;
 }
 
 void ring::wait_beyond(uint64_t seen) const noexcept {

@@ -12,6 +12,7 @@
 #include <atomic>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 namespace dlog {
 
@@ -45,6 +46,27 @@ struct record {
   char text[max_text_size + 1];  // NUL-terminated
 };
 
+// A part of the log as it was at one time: the records in it stay while writers go on.
+class snapshot {
+ public:
+  [[nodiscard]] uint64_t begin() const noexcept { return begin_; }
+  [[nodiscard]] uint64_t end() const noexcept { return end_; }
+
+  // The whole record at this position, if one stands there.
+  [[nodiscard]] bool read(uint64_t position, record& result) const noexcept;
+
+  // The position of the next whole record from here on, or the end.
+  [[nodiscard]] uint64_t find_record(uint64_t from) const noexcept;
+
+ private:
+  friend class ring;
+
+  uint64_t begin_{0};
+  uint64_t end_{0};
+  // Has its room before it is needed: while a page is made for it, writers could pass all around.
+  std::vector<char> bytes_ = std::vector<char>(ring_size);
+};
+
 class ring {
  public:
   // Maps the log under the platform's root, which is made when missing. Empty when that fails.
@@ -60,8 +82,8 @@ class ring {
     return end > ring_size ? end - ring_size : 0;
   }
 
-  // The whole record at this position, if one stands there.
-  [[nodiscard]] bool read(uint64_t position, record& result) const noexcept;
+  // Takes what the log holds from this position on, or from its tail when that is further.
+  void copy_from(uint64_t position, snapshot& copy) const noexcept;
 
   // Sleeps until the head has moved on from `seen`.
   void wait_beyond(uint64_t seen) const noexcept;
