@@ -39,6 +39,7 @@ void add_action(CLI::App& key, context& shared, const key_action& action) {
   const auto name = std::make_shared<std::string>();
   command->add_option("NAME", *name, "The key, as in KEY_MENU, menu or men")
       ->required()
+      ->type_name("KEY")
       ->check(CLI::Validator{check_key, ""});
   command->callback([&shared, &action, name] { run(shared, action, *name); });
 }

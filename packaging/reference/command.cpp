@@ -111,4 +111,17 @@ command read(const CLI::App& app) {
   return read_command(app, "", {});
 }
 
+void set_choices(command& program, const std::string& value_name,
+                 const std::vector<std::string>& choices) {
+  for (option& one : program.options) {
+    if (one.value_name == value_name) {
+      one.takes = value_kind::choice;
+      one.choices = choices;
+    }
+  }
+  for (command& below : program.subcommands) {
+    set_choices(below, value_name, choices);
+  }
+}
+
 }  // namespace reference

@@ -36,6 +36,10 @@ struct command {
 
 command read(const CLI::App& app);
 
+// Gives all values of that name these choices: more than a parser's help has room for.
+void set_choices(command& program, const std::string& value_name,
+                 const std::vector<std::string>& choices);
+
 }  // namespace reference
 
 #endif

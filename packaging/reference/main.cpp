@@ -6,21 +6,31 @@
 #include <fstream>
 #include <iostream>
 #include <string>
+#include <vector>
 
 #include "command.h"
 #include "host/command_line.h"
 #include "print.h"
 #include "tool/command_line.h"
+#include "tool/key_names.h"
 
 namespace {
 
-reference::command describe_program(const std::string& name) {
+reference::command describe_tool() {
   CLI::App app;
-  if (name == "orvctl") {
-    orvctl::context shared;
-    orvctl::describe_program(app, shared);
-    return reference::read(app);
+  orvctl::context shared;
+  orvctl::describe_program(app, shared);
+  reference::command described = reference::read(app);
+  std::vector<std::string> keys;
+  for (const orvctl::key_name& key : orvctl::all_keys()) {
+    keys.emplace_back(key.name);
   }
+  reference::set_choices(described, "KEY", keys);
+  return described;
+}
+
+reference::command describe_host() {
+  CLI::App app;
   orv_host::options given;
   orv_host::describe_program(app, given);
   return reference::read(app);
@@ -49,7 +59,7 @@ int main(int argc, char** argv) {
   completion->add_option("SCRIPT", script)->required();
   CLI11_PARSE(app, argc, argv);
 
-  const reference::command described = describe_program(program);
+  const reference::command described = program == "orvctl" ? describe_tool() : describe_host();
   if (completion->parsed()) {
     return fill(script, reference::completion_tables(described));
   }

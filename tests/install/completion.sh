@@ -17,6 +17,7 @@ expect 'all subcommands' "--timeout --store ${subcommands//$'\n'/ }" \
 expect 'options of a subcommand and of the tool' '--help --data --timeout --store' \
   "$(bash_offers orvctl send --)"
 expect 'choices' 'agent_start agent_stop' "$(bash_offers orvctl --timeout 2 send agent_)"
+expect 'keys' 'KEY_MODE_SCENE KEY_MODE_SMART KEY_MODE_S' "$(bash_offers orvctl key press KEY_MODE_S)"
 expect 'no guess for a number' '' "$(bash_offers orvctl --timeout '')"
 mkdir -p stores/one 'stores/the second'
 expect 'directories' 'stores/one stores/the second' "$(bash_offers orvctl send --store stores/)"
