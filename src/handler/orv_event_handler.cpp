@@ -14,7 +14,7 @@
 #include "handler/injection.h"
 #include "handler/key_map.h"
 #include "handler/process_scan.h"
-#include "handler/thread_line.h"
+#include "handler/thread_stat.h"
 
 namespace orv {
 namespace {
@@ -153,7 +153,7 @@ int check_failed(void) {
 }
 
 int CheckThread(char* line) {
-  const auto thread = orv::split_thread_line(line);
+  const auto thread = orv::split_thread_stat(line);
   if (!thread) {
     return 0;
   }

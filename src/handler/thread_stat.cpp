@@ -1,4 +1,4 @@
-#include "handler/thread_line.h"
+#include "handler/thread_stat.h"
 
 #include <string.h>
 
@@ -28,7 +28,7 @@ class field_splitter {
   char* rest_ = nullptr;
 };
 
-bool take_name(field_splitter& fields, thread_line& line) noexcept {
+bool take_name(field_splitter& fields, thread_stat& line) noexcept {
   bounded_text name{line.name};
   const char* field = fields.next(sizeof line.name);
   if (field == nullptr || !name.append(field)) {
@@ -46,9 +46,9 @@ bool take_name(field_splitter& fields, thread_line& line) noexcept {
 
 }  // namespace
 
-std::optional<thread_line> split_thread_line(char* text) noexcept {
+std::optional<thread_stat> split_thread_stat(char* text) noexcept {
   field_splitter fields{text};
-  thread_line line{};
+  thread_stat line{};
   line.id = fields.next(id_size);
   if (line.id == nullptr || !take_name(fields, line)) {
     return std::nullopt;

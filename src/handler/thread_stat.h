@@ -1,6 +1,6 @@
-// One line of a thread's stat file, as far as its health is told.
-#ifndef ORV_HANDLER_THREAD_LINE_H
-#define ORV_HANDLER_THREAD_LINE_H
+// What a thread's stat file holds, as far as its health is told.
+#ifndef ORV_HANDLER_THREAD_STAT_H
+#define ORV_HANDLER_THREAD_STAT_H
 
 #include <stddef.h>
 
@@ -10,7 +10,7 @@ namespace orv {
 
 inline constexpr size_t thread_name_size = 50;
 
-struct thread_line {
+struct thread_stat {
   const char* id;
   char name[thread_name_size];  // with its parentheses, blanks in it single
   char state;
@@ -22,7 +22,7 @@ struct thread_line {
 
 // Splits the text at runs of blanks, in place; the line points into it. Empty for a text that has
 // not three fields, or one of them too long: id and name have at most 49 characters, the state 9.
-std::optional<thread_line> split_thread_line(char* text) noexcept;
+std::optional<thread_stat> split_thread_stat(char* text) noexcept;
 
 }  // namespace orv
 
