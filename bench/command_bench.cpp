@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 
+#include "command_client.h"
 #include "ratio_table.h"
 #include "serving_process.h"
 
@@ -20,22 +21,7 @@ namespace {
 
 constexpr char answer_text[] = "CSC,Q7,LUMEN-ONE,EVT2,LUMEN-ONE_1.04.2_20260830,240,RELEASE,0";
 
-// The agent's keys, or as long ones for the floor, which so lives on the same store.
-struct key_set {
-  const char* parameters[4];
-  const char* data;
-  const char* command;
-  const char* result_data;
-  const char* result;
-};
-
-constexpr key_set agent_keys = {{VCONFKEY_ORV_COMMAND_PARAM1, VCONFKEY_ORV_COMMAND_PARAM2,
-                                 VCONFKEY_ORV_COMMAND_PARAM3, VCONFKEY_ORV_COMMAND_PARAM4},
-                                VCONFKEY_ORV_COMMAND_DATA,
-                                VCONFKEY_ORV_COMMAND,
-                                VCONFKEY_ORV_RESULT_DATA,
-                                VCONFKEY_ORV_RESULT};
-
+// As long as the agent's, for the floor, which so lives on the same store.
 constexpr key_set bare_keys = {{"memory/raw/cmd_param1", "memory/raw/cmd_param2",
                                 "memory/raw/cmd_param3", "memory/raw/cmd_param4"},
                                "memory/raw/cmd_data",
@@ -43,38 +29,22 @@ constexpr key_set bare_keys = {{"memory/raw/cmd_param1", "memory/raw/cmd_param2"
                                "memory/raw/result_data",
                                "memory/raw/result"};
 
-void answered(keynode_t* /*node*/, void* flag) {
-  *static_cast<bool*>(flag) = true;
-}
-
-// One command as the tool sends it, and its answer read back.
-void run_command(const key_set& keys, bool& seen) {
-  seen = false;
-  for (const char* parameter : keys.parameters) {
-    vconf_set_int(parameter, 1);
-  }
-  vconf_set_str(keys.data, "");
-  vconf_set_int(keys.command, ORV_COMMAND_TARGET_INFO);
-  while (!seen) {
-    g_main_context_iteration(nullptr, TRUE);
-  }
-  int result = 0;
-  vconf_get_int(keys.result, &result);
-  free(vconf_get_str(keys.result_data));
-}
+constexpr orv_command target_query{1, 1, 1, 1, ORV_COMMAND_TARGET_INFO};
 
 void measure_commands(benchmark::State& state, const key_set& keys, const char* role) {
   const serving_process server{role};
-  bool seen = false;
-  vconf_notify_key_changed(keys.result, answered, &seen);
-  run_command(keys, seen);
+  command_client client{keys};
+  const auto ask = [&] {
+    client.run(target_query, "");
+    benchmark::DoNotOptimize(client.result_data());
+  };
+  ask();
   const int woken_before = server.wake_ups();
   int64_t commands = 0;
   for (auto _ : state) {
-    run_command(keys, seen);
+    ask();
     ++commands;
   }
-  vconf_ignore_key_changed(keys.result, answered);
   state.counters["wake-ups a command"] =
       static_cast<double>(server.wake_ups() - woken_before) / static_cast<double>(commands);
 }

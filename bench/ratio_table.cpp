@@ -109,12 +109,12 @@ class collector : public benchmark::BenchmarkReporter {
 
 }  // namespace
 
-bool want(const char* measured, const char* against, double at_most) {
+bool want(const std::string& measured, const std::string& against, double at_most) {
   wanted_ratios().push_back({measured, against, at_most});
   return true;
 }
 
-bool want_counter(const char* measured, const char* counter, double exactly) {
+bool want_counter(const std::string& measured, const std::string& counter, double exactly) {
   wanted_counters().push_back({measured, counter, exactly});
   return true;
 }

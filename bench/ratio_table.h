@@ -2,14 +2,16 @@
 #ifndef ORV_BENCH_RATIO_TABLE_H
 #define ORV_BENCH_RATIO_TABLE_H
 
+#include <string>
+
 namespace orv_bench {
 
 // The measured case should take at most so many times what the other one takes. Both are names of
 // registered benchmarks. Called before main, to initialise a constant.
-bool want(const char* measured, const char* against, double at_most);
+bool want(const std::string& measured, const std::string& against, double at_most);
 
 // The same for a figure that a case reports as a counter: it should be `exactly` this.
-bool want_counter(const char* measured, const char* counter, double exactly);
+bool want_counter(const std::string& measured, const std::string& counter, double exactly);
 
 // Runs what is registered, its repetitions interleaved, and prints the table of ratios of medians.
 // Further options are Google Benchmark's. The exit status tells whether all ran, not how fast.
