@@ -24,6 +24,7 @@ constexpr size_t roomy_size = ORV_PACKET_MAX_TEXT / 4;
 constexpr size_t full_size = ORV_PACKET_MAX_TEXT / 4 * 3;
 
 constexpr auto quiet_margin = milliseconds{2000};
+constexpr auto start_margin = milliseconds{500};
 constexpr auto longest_loan = milliseconds{1000};
 // The result key too: each answer is waited for from where this watch, not the store, has got to.
 constexpr const char* watched_keys[] = {VCONFKEY_ORV_RESULT, VCONFKEY_ORV_RESULT_DATA};
@@ -73,6 +74,7 @@ watch_session::watch_session(context& shared, watch_settings settings)
   slowest_ = *slowest;
   quiet_limit_ = 2 * milliseconds{interval(*fastest)} + quiet_margin;
   silent_limit_ = 2 * milliseconds{interval(*slowest)} + shared.timeout();
+  wiped_limit_ = 2 * milliseconds{interval(*fastest)} + start_margin;
 }
 
 watch_session::~watch_session() {
@@ -149,6 +151,7 @@ bool watch_session::take_news() {
   const std::string packet = read_packet();
   packet_size_ = packet.size();
   const packet_follower::news news = follower_.look(packet);
+  wiped_ = news.begun_anew;
   if (news.begun_anew) {
     tell_missing();
   }
@@ -170,8 +173,13 @@ bool watch_session::pause_is_due(bool slowest_ticked) const {
 }
 
 // Whether it goes on. A host that is silent may be gone, or only busy; when it answers and stays
-// silent, its agent was started anew, without monitors.
+// silent, its agent was started anew, without monitors. So it was when it wiped the packet, which
+// others may have done as well, and is silent then.
 bool watch_session::look_after_host() {
+  if (wiped_ && clock::now() - last_change_ >= wiped_limit_) {
+    wiped_ = false;
+    return pause();
+  }
   if (clock::now() - last_change_ < (host_answered_ ? silent_limit_ : quiet_limit_)) {
     return true;
   }

@@ -85,6 +85,7 @@ class watch_session {
   const monitor_kind* slowest_;
   std::chrono::milliseconds quiet_limit_;   // of a host whose monitors tick
   std::chrono::milliseconds silent_limit_;  // of one that answers
+  std::chrono::milliseconds wiped_limit_;   // of one whose packet was wiped
   packet_right right_;
   packet_follower follower_;
   size_t packet_size_ = 0;
@@ -93,6 +94,7 @@ class watch_session {
   bool half_tick_ = false;  // the packet has changed, the result that follows has not
   clock::time_point last_change_ = clock::now();
   bool host_answered_ = false;  // in its silence
+  bool wiped_ = false;          // the packet, and nothing has ticked since
   bool over_ = false;
 };
 

@@ -71,7 +71,7 @@ class Watch : public testing::Test {
         "sh", "-c",
         "PATH=" + (directory_ / "bin").string() + ":$PATH exec orv-host >/dev/null 2>&1"});
     ASSERT_TRUE(eventually([] {
-      return run({"orvctl", "--timeout", "0.1", "target"}).status == 0;
+      return run({"orvctl", "--timeout", "1", "target"}).status == 0;
     }));
   }
 
