@@ -2,7 +2,6 @@
 
 #include <stdarg.h>
 #include <stdio.h>
-#include <string.h>
 
 namespace orv {
 
@@ -10,7 +9,7 @@ bool bounded_text::append(std::string_view piece) noexcept {
   if (piece.size() > room()) {
     return false;
   }
-  memcpy(buffer_ + size_, piece.data(), piece.size());
+  piece.copy(buffer_ + size_, piece.size());
   size_ += piece.size();
   buffer_[size_] = '\0';
   return true;

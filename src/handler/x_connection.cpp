@@ -22,9 +22,13 @@ sigset_t broken_pipe() {
 }
 
 // XCloseDisplay sends requests first, for which a display that was lost while it opened may have no
-// buffer: it would crash. With this flag it believes that it has sent them. No library above Xlib
-// has heard of the display yet, so none is told that it goes.
+// buffer: it would crash. With this flag it believes that it has sent them, those too that free the
+// screens' graphics contexts. No library above Xlib has heard of the display yet, so none is told
+// that it goes.
 void close_half_open(Display* display) {
+  for (int i = 0; i < display->nscreens; ++i) {
+    XFree(display->screens[i].default_gc);
+  }
   display->flags = display->flags | XlibDisplayClosing;
   XCloseDisplay(display);
 }

@@ -6,6 +6,7 @@
 #include <X11/Xproto.h>
 #include <X11/extensions/XTest.h>
 #include <poll.h>
+#include <string.h>
 
 #include <chrono>
 #include <utility>
@@ -41,6 +42,7 @@ input_recorder::input_recorder() : control_{XOpenDisplay(nullptr)}, data_{XOpenD
 input_recorder::~input_recorder() {
   XRecordDisableContext(control_.get(), context_);
   XSync(control_.get(), False);
+  data_.reset();  // its closing still delivers what was recorded
 }
 
 std::vector<std::string> input_recorder::take() {
@@ -77,32 +79,33 @@ std::string input_recorder::pointer() const {
 
 void input_recorder::received(XPointer self, XRecordInterceptData* data) {
   if (data->category == XRecordFromServer) {
-    reinterpret_cast<input_recorder*>(self)->note(data->data);
+    static_cast<input_recorder*>(static_cast<void*>(self))->note(data->data);
   }
   XRecordFreeData(data);
 }
 
 void input_recorder::note(const unsigned char* bytes) {
-  const auto* event = reinterpret_cast<const xEvent*>(bytes);
-  const int detail = event->u.u.detail;
-  switch (event->u.u.type) {
+  xEvent event;
+  memcpy(&event, bytes, sizeof event);
+  const int detail = event.u.u.detail;
+  switch (event.u.u.type) {
     case KeyPress:
     case KeyRelease:
       if (detail != fence_keycode) {
-        seen_.push_back((event->u.u.type == KeyPress ? "press " : "release ") +
+        seen_.push_back((event.u.u.type == KeyPress ? "press " : "release ") +
                         std::to_string(detail));
-      } else if (event->u.u.type == KeyRelease) {
+      } else if (event.u.u.type == KeyRelease) {
         fence_seen_ = true;
       }
       break;
     case ButtonPress:
     case ButtonRelease:
       seen_.push_back("button " + std::to_string(detail) +
-                      (event->u.u.type == ButtonPress ? " down" : " up"));
+                      (event.u.u.type == ButtonPress ? " down" : " up"));
       break;
     default:
       seen_.push_back("move " +
-                      place(event->u.keyButtonPointer.rootX, event->u.keyButtonPointer.rootY));
+                      place(event.u.keyButtonPointer.rootX, event.u.keyButtonPointer.rootY));
   }
 }
 

@@ -12,7 +12,8 @@ void in_a_new_process(const std::function<void()>& scenario) {
   const pid_t child = fork();
   if (child == 0) {
     scenario();
-    exit(testing::Test::HasFailure() ? 1 : 0);
+    fflush(nullptr);
+    _exit(testing::Test::HasFailure() ? 1 : 0);  // what runs at exit may need what it has left
   }
   int status = -1;
   waitpid(child, &status, 0);
