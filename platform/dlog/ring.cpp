@@ -148,7 +148,7 @@ void ring::copy_from(uint64_t position, snapshot& copy) const noexcept {
   constexpr size_t piece = 16384;
   copy.end_ = head();
   copy.begin_ = std::clamp(position, copy.end_ > ring_size ? copy.end_ - ring_size : 0, copy.end_);
-  for (size_t left = copy.end_ - copy.begin_; left > 0;) {
+  for (auto left = static_cast<size_t>(copy.end_ - copy.begin_); left > 0;) {
     const size_t size = std::min(left, piece);
     left -= size;
     memcpy(copy.bytes_.data() + left, data_ + (copy.begin_ + left) % ring_size, size);
@@ -156,7 +156,7 @@ void ring::copy_from(uint64_t position, snapshot& copy) const noexcept {
 }
 
 bool snapshot::read(uint64_t position, record& result) const noexcept {
-  const size_t available = end() - position;
+  const auto available = static_cast<size_t>(end() - position);
   const char* place = bytes_.data() + (position - begin_);
   if (available < sizeof result.header) {
     return false;
