@@ -21,6 +21,24 @@ quietly() {
   }
 }
 
+# packages_for WORD...: the packages of the list with one of these words, or '' for none, behind them.
+packages_for() {
+  local package word
+  while read -r package word; do
+    [[ $package && $package != '#'* && " $* " == *" $word "* ]] && echo "$package"
+  done <scripts/packages.txt || true
+}
+
+# A mirror may be busy for a moment.
+retry() {
+  local attempt
+  for attempt in 1 2 3; do
+    "$@" && return
+    ((attempt == 3)) || sleep $((attempt * 5))
+  done
+  return 1
+}
+
 # build PRESET [TARGET...]
 build() {
   local preset=$1 start=$SECONDS

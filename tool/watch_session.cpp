@@ -166,10 +166,11 @@ bool watch_session::take_news() {
 }
 
 // A monitor that is started again begins its interval anew, which costs one that has just ticked
-// nothing: so at best the pause follows a tick of the slowest.
+// nothing: so at best the pause follows a tick of the slowest. An agent that is being started wipes
+// the packet before it takes commands.
 bool watch_session::pause_is_due(bool slowest_ticked) const {
   return packet_size_ >= full_size ||
-         (slowest_ticked && (packet_size_ >= roomy_size || right_.packet_wanted()));
+         (slowest_ticked && !wiped_ && (packet_size_ >= roomy_size || right_.packet_wanted()));
 }
 
 // Whether it goes on. A host that is silent may be gone, or only busy; when it answers and stays

@@ -19,6 +19,7 @@
 #include <thread>
 #include <vector>
 
+#include "emulation.h"
 #include "shell.h"
 
 namespace {
@@ -73,20 +74,11 @@ std::map<pid_t, shown_thread> listed_threads() {
   return threads;
 }
 
-// Under an emulator of user programs the kernel's files show the emulator's stacks.
-bool kernel_sees_own_stack() {
-  std::ifstream text{"/proc/thread-self/syscall"};
-  std::string word, stack_pointer;
-  for (std::string next; text >> next; word = next) stack_pointer = word;
-  return !stack_pointer.empty() &&
-         mapping_that_holds(own_frame()).holds(std::stoull(stack_pointer, nullptr, 16));
-}
-
 // Two threads that wait and two that never do, beside the first one.
 class Stacks : public testing::Test {
  protected:
   void SetUp() override {
-    if (!kernel_sees_own_stack()) GTEST_SKIP() << "runs in an emulator";
+    ORV_SKIP_WHEN_EMULATED("the kernel sees the emulator's stacks");
     prctl(PR_SET_PTRACER, PR_SET_PTRACER_ANY);  // where a child may not look at its parent
     for (int i = 0; i < 2; ++i) {
       waiting_.push_back(start([this] { is_ending_.wait(false); }));
@@ -176,6 +168,7 @@ TEST_F(Stacks, AreTheOnlyMarkedMappingInTheirThreadsMapsFile) {
 }
 
 TEST(Listing, ShowsDeadProcessesWithoutAStackAndItselfWithOne) {
+  ORV_SKIP_WHEN_EMULATED("the kernel knows this process by the emulator's name");
   const pid_t dead = fork();
   if (dead == 0) _exit(0);
   siginfo_t ended;

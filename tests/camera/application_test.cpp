@@ -7,6 +7,7 @@
 #include <set>
 
 #include "child_program.h"
+#include "emulation.h"
 #include "screen_reader.h"
 
 namespace {
@@ -125,6 +126,7 @@ std::vector<seen_thread> threads_of(int pid) {
 }
 
 TEST(ApplicationThreads, WaitOrRunExceptTheOneToldToHang) {
+  ORV_SKIP_WHEN_EMULATED("no wait is uninterruptible, and the emulator has a thread of its own");
   const child_program started{application({"--hang-thread", "Shutter Assert "})};
   const auto hanging = [&] {
     std::string names;

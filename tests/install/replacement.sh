@@ -1,8 +1,8 @@
 # On a camera the agent runs with the camera's libraries. Here others than the stand-ins come first:
 # the host's agent uses them and answers through them.
-read -ra glib < <(pkg-config --cflags --libs glib-2.0)
+read -ra glib < <(glib_flags)
 for library in vconf dlog version-info; do
-  "$CC" -std=gnu11 -Wall -Wextra -Werror -shared -fPIC -Wl,-soname,lib$library.so.0 \
+  compile_c -std=gnu11 -shared -fPIC -Wl,-soname,lib$library.so.0 \
     "$here/replacement/${library//-/_}.c" -o lib$library.so.0 "${glib[@]}"
 done
 

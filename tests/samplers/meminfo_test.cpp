@@ -10,12 +10,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <fstream>
 #include <string>
 #include <vector>
 
 #include "agent_probe.h"
 #include "common/meminfo_text.h"
+#include "emulation.h"
 #include "private_mounts.h"
 
 namespace {
@@ -158,6 +160,7 @@ std::vector<uint64_t> system_calls_of_child(pid_t child) {
 }
 
 TEST(Meminfo, TakesThreeSystemCalls) {
+  ORV_SKIP_WHEN_EMULATED("processes cannot be traced");
   const pid_t child = fork();
   if (child == 0) {
     uint32_t total = 0;
@@ -165,10 +168,12 @@ TEST(Meminfo, TakesThreeSystemCalls) {
     ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
     kill(getpid(), SIGSTOP);
     orv_meminfo(table, 1);
+    syscall(SYS_getppid);  // what follows belongs to the exit
     _exit(0);
   }
-  EXPECT_THAT(system_calls_of_child(child),
-              ElementsAre(SYS_openat, SYS_read, SYS_close, SYS_exit_group));
+  std::vector<uint64_t> calls = system_calls_of_child(child);
+  calls.erase(std::find(calls.begin(), calls.end(), uint64_t{SYS_getppid}), calls.end());
+  EXPECT_THAT(calls, ElementsAre(SYS_openat, SYS_read, SYS_close));
 }
 
 }  // namespace

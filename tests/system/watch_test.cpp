@@ -70,9 +70,7 @@ class Watch : public testing::Test {
     host_ = std::make_unique<background>(std::vector<std::string>{
         "sh", "-c",
         "PATH=" + (directory_ / "bin").string() + ":$PATH exec orv-host >/dev/null 2>&1"});
-    ASSERT_TRUE(eventually([] {
-      return run({"orvctl", "--timeout", "1", "target"}).status == 0;
-    }));
+    ASSERT_TRUE(eventually([] { return run({"orvctl", "--timeout", "1", "target"}).status == 0; }));
   }
 
   [[nodiscard]] std::string shown() const { return (directory_ / "shown").string(); }
