@@ -88,7 +88,7 @@ void keep_books(benchmark::State& state) {
 
 bool register_ticks(const char* size_name, int characters) {
   const auto add = [&](const char* name, void (*body)(benchmark::State&)) {
-    const std::string full_name = name + std::string{"-"} + size_name;
+    std::string full_name = name + std::string{"-"} + size_name;
     auto* added = benchmark::RegisterBenchmark(full_name.c_str(), body)->Arg(characters);
     body == keep_books ? added->UseRealTime() : added->UseManualTime();
     return full_name;

@@ -143,7 +143,7 @@ const bool wanted[] = {
 
 bool register_scans(int processes) {
   const auto add = [processes](const char* name, void (*body)(benchmark::State&)) {
-    const std::string full_name = name + std::string{"-"} + std::to_string(processes);
+    std::string full_name = name + std::string{"-"} + std::to_string(processes);
     benchmark::RegisterBenchmark(full_name.c_str(), body)->Arg(processes)->UseRealTime();
     return full_name;
   };

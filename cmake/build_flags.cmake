@@ -9,8 +9,11 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_C_VISIBILITY_PRESET hidden)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
-# An installed tree works wherever it is put.
-set(CMAKE_INSTALL_RPATH "$ORIGIN:$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+# A tree works wherever it is put, the build tree too, which has the same shape. Programs name one
+# directory alone, since the dynamic linker looks through each in a dozen ways; libraries say more
+# where they are made.
+set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
 
 add_compile_definitions(_GNU_SOURCE _FILE_OFFSET_BITS=64)
 add_compile_options(
@@ -36,6 +39,7 @@ endif()
 # longer than all that a short command does.
 function(orv_link_quick_start target)
   if(NOT ORV_SANITIZE)
-    target_link_options(${target} PRIVATE -static-libstdc++ -static-libgcc -Wl,--exclude-libs,ALL)
+    target_link_options(${target} PRIVATE -static-libstdc++ -static-libgcc -Wl,--exclude-libs,ALL
+                        -Wl,--gc-sections)
   endif()
 endfunction()

@@ -3,12 +3,33 @@
 #include <platform_root.h>
 #include <stdlib.h>
 
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+
 namespace orvctl {
 namespace {
 
-constexpr void (*subcommands[])(CLI::App& app, context& shared) = {
-    add_target, add_heap, add_stack, add_key, add_touch, add_swipe, add_monitor, add_send, add_log,
+struct subcommand {
+  std::string_view name;
+  void (*add)(CLI::App& app, context& shared);
 };
+
+constexpr subcommand subcommands[] = {
+    {"target", add_target},   {"heap", add_heap},   {"stack", add_stack},
+    {"key", add_key},         {"touch", add_touch}, {"swipe", add_swipe},
+    {"monitor", add_monitor}, {"send", add_send},   {"log", add_log},
+};
+
+// Where one stands among the words, none of those that do not can have been meant; but help tells
+// of all.
+bool may_be_meant(const subcommand& one, std::span<char* const> words) {
+  const auto has = [words](std::string_view word) {
+    return std::find(words.begin(), words.end(), word) != words.end();
+  };
+  const auto stands = [has](const subcommand& other) { return has(other.name); };
+  return stands(one) || has("--help") || has("-h") || std::none_of(std::begin(subcommands), std::end(subcommands), stands);
+}
 
 constexpr char footer[] =
     "Exit status:\n"
@@ -40,7 +61,7 @@ class usage_formatter : public CLI::Formatter {
 
 }  // namespace
 
-void describe_program(CLI::App& app, context& shared) {
+void describe_program(CLI::App& app, context& shared, std::span<char* const> words) {
   app.name("orvctl")->description("Drive a camera's test agent.");
   app.formatter(std::make_shared<usage_formatter>());
   app.require_subcommand(0, 1);  // so that a wrong name is told as such
@@ -64,8 +85,10 @@ void describe_program(CLI::App& app, context& shared) {
     }
     setenv("ORV_PLATFORM_ROOT", shared.store.c_str(), 1);
   });
-  for (const auto add : subcommands) {
-    add(app, shared);
+  for (const subcommand& one : subcommands) {
+    if (may_be_meant(one, words)) {
+      one.add(app, shared);
+    }
   }
   app.footer(footer);  // last: subcommands take over the one that stands when they are added
 }

@@ -3,13 +3,15 @@
 #define ORV_TOOL_COMMAND_LINE_H
 
 #include <CLI/CLI.hpp>
+#include <span>
 
 #include "subcommand.h"
 
 namespace orvctl {
 
-// Parsing `app` fills `shared` and runs the subcommand that was given.
-void describe_program(CLI::App& app, context& shared);
+// Parsing `app` fills `shared` and runs the subcommand that was given. Of the subcommands those are
+// described that the words can mean: a description costs more than most commands.
+void describe_program(CLI::App& app, context& shared, std::span<char* const> words = {});
 
 }  // namespace orvctl
 

@@ -5,7 +5,7 @@
 int main(int argc, char** argv) {
   CLI::App app;
   orvctl::context shared;
-  orvctl::describe_program(app, shared);
+  orvctl::describe_program(app, shared, {argv, static_cast<size_t>(argc)});
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -27,6 +27,9 @@ using platform::descriptor;
 
 constexpr time_t stale_after_s = 10;
 constexpr int write_attempts = 3;
+constexpr int read_attempts = 100;
+// A value of less fits into a link with its letter.
+constexpr size_t max_link_size = 1024;
 
 void report_once(const platform::root_check& why) {
   static std::atomic_flag reported = ATOMIC_FLAG_INIT;
@@ -92,23 +95,39 @@ bool write_whole(int fd, value_type type, std::string_view text) {
 
 enum class attempt { done, no_directory, failed };
 
+bool make_link(int root, const char* path, value_type type, std::string_view text) {
+  char target[max_link_size + 1];
+  target[0] = static_cast<char>(type);
+  target[1 + text.copy(target + 1, text.size())] = '\0';
+  return symlinkat(target, root, path) == 0;
+}
+
+bool make_file(int root, const char* path, value_type type, std::string_view text) {
+  const descriptor file{
+      openat(root, path, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR)};
+  if (!file) {
+    return false;
+  }
+  if (!write_whole(file.get(), type, text)) {
+    unlinkat(root, path, 0);
+    errno = ENOSPC;
+    return false;
+  }
+  return true;
+}
+
 attempt replace_value(int root, std::string_view key, value_type type, std::string_view text) {
   const path_text temporary = temporary_path(key);
-  bool written = false;
-  {
-    const descriptor file{
-        openat(root, temporary.text, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR)};
-    if (!file) {
-      return errno == ENOENT ? attempt::no_directory : attempt::failed;
+  const auto make = text.size() < max_link_size ? make_link : make_file;
+  if (make(root, temporary.text, type, text)) {
+    if (renameat(root, temporary.text, root, value_path(key).text) == 0) {
+      return attempt::done;
     }
-    written = write_whole(file.get(), type, text);
+    const int error = errno;
+    unlinkat(root, temporary.text, 0);
+    errno = error;
   }
-  if (written && renameat(root, temporary.text, root, value_path(key).text) == 0) {
-    return attempt::done;
-  }
-  const bool gone = written && errno == ENOENT;
-  unlinkat(root, temporary.text, 0);
-  return gone ? attempt::no_directory : attempt::failed;
+  return errno == ENOENT ? attempt::no_directory : attempt::failed;
 }
 
 // The rest of a value whose beginning is known, or null.
@@ -148,13 +167,36 @@ int read_open_value(int fd, value& result) {
   return result.text ? 0 : VCONF_ERROR_STORE;
 }
 
-int open_value(const path_text& path) {
-  const int root = root_descriptor(false);
-  const int fd = openat(root, path.text, O_RDONLY | O_CLOEXEC);
-  if (fd >= 0 || root < 0 || errno != ENOENT || !root_was_removed(root)) {
-    return fd;
+int read_file(int root, const char* path, value& result) {
+  const descriptor file{openat(root, path, O_RDONLY | O_NOFOLLOW | O_CLOEXEC)};
+  return file ? read_open_value(file.get(), result) : VCONF_ERROR_STORE;
+}
+
+// 0, or VCONF_ERROR_STORE with errno.
+int read_link(int root, const char* path, value& result) {
+  char target[max_link_size];
+  const ssize_t length = readlinkat(root, path, target, sizeof target);
+  if (length < 1) {
+    return VCONF_ERROR_STORE;
   }
-  return openat(root_descriptor(false, true), path.text, O_RDONLY | O_CLOEXEC);
+  result.type = static_cast<value_type>(target[0]);
+  result.text.reset(strndup(target + 1, static_cast<size_t>(length) - 1));
+  return result.text ? 0 : VCONF_ERROR_STORE;
+}
+
+// Short values are the common ones. Between the two looks a value may change from one to the other.
+int read_either(int root, const char* path, value& result) {
+  int outcome = VCONF_ERROR_STORE;
+  for (int tried = 0; tried < read_attempts && outcome != 0; ++tried) {
+    outcome = read_link(root, path, result);
+    if (outcome != 0 && errno == EINVAL) {
+      outcome = read_file(root, path, result);
+    }
+    if (outcome != 0 && errno != ELOOP) {
+      break;
+    }
+  }
+  return outcome;
 }
 
 }  // namespace
@@ -201,14 +243,16 @@ int read_value(const char* key, value& result) {
   if (key == nullptr || !valid_key(key)) {
     return VCONF_ERROR_NO_KEY;
   }
-  if (root_descriptor(false) < 0) {
+  const int root = root_descriptor(false);
+  if (root < 0) {
     return VCONF_ERROR_STORE;
   }
-  const descriptor file{open_value(value_path(key))};
-  if (!file) {
-    return errno == ENOENT ? VCONF_ERROR_NO_KEY : VCONF_ERROR_STORE;
+  const path_text path = value_path(key);
+  int outcome = read_either(root, path.text, result);
+  if (outcome != 0 && errno == ENOENT && root_was_removed(root)) {
+    outcome = read_either(root_descriptor(false, true), path.text, result);
   }
-  return read_open_value(file.get(), result);
+  return outcome == 0 || errno != ENOENT ? outcome : VCONF_ERROR_NO_KEY;
 }
 
 int write_value(const char* key, value_type type, std::string_view text) {

@@ -1,8 +1,9 @@
-// Reading and replacing a key's value as a file.
+// Reading and replacing a key's value.
 //
-// A value file holds the type's letter and then the value as text. It never changes once it has its
-// name: a writer fills a temporary file in the key's directory and renames it, so a reader sees a
-// whole value whatever moment a writer is killed at.
+// The type's letter and then the value as text are the target of a symbolic link that points
+// nowhere, which is made and read in one system call each; a long value is the content of a file.
+// Neither changes once it has its name: a writer makes a temporary one in the key's directory and
+// renames it, so a reader sees a whole value whatever moment a writer is killed at.
 #ifndef ORV_VCONF_VALUE_FILE_H
 #define ORV_VCONF_VALUE_FILE_H
 

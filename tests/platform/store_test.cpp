@@ -87,7 +87,7 @@ TEST_F(Store, KeepsEveryValueExactly) {
   for (int c = 1; c < 256; ++c) {
     bytes.push_back(static_cast<char>(c));
   }
-  for (const size_t length : {0U, 1U, 4094U, 4095U, 4096U, 131072U, 1048576U}) {
+  for (const size_t length : {0U, 1U, 1023U, 1024U, 4095U, 4096U, 131072U, 1048576U}) {
     SCOPED_TRACE(length);
     std::string text;
     while (text.size() < length) {
