@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <orv/key_names.h>
 #include <orv/protocol.h>
 #include <signal.h>
 #include <stdlib.h>
@@ -9,6 +10,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <string>
 
 #include "emulation.h"
@@ -21,15 +23,17 @@ using orv_test::background;
 using orv_test::eventually;
 using orv_test::outcome;
 using orv_test::run;
+using testing::AllOf;
+using testing::ElementsAreArray;
 using testing::HasSubstr;
 using testing::StartsWith;
 
 constexpr char identity[] = "CSC,Q7,LUMEN-ONE,EVT2,LUMEN-ONE_1.04.2_20260830,240,RELEASE,0";
 
-int result_key() {
-  int result = 99;
-  vconf_get_int(VCONFKEY_ORV_RESULT, &result);
-  return result;
+int number_at(const char* key) {
+  int number = 99;
+  vconf_get_int(key, &number);
+  return number;
 }
 
 // orv-host on the test's root.
@@ -90,7 +94,7 @@ TEST_F(Camera, IsSilentOnCodesWithoutAHandler) {
     EXPECT_EQ(told.status, 3);
     EXPECT_EQ(one_line(told), 1) << told.err;
     EXPECT_THAT(told.err, HasSubstr("waited for memory/orv/result"));
-    EXPECT_EQ(result_key(), 7);
+    EXPECT_EQ(number_at(VCONFKEY_ORV_RESULT), 7);
     EXPECT_EQ(run({"orvctl", "target"}).status, 0) << "not well afterwards";
   }
 }
@@ -128,12 +132,51 @@ TEST_F(Camera, TakesItsLogReaderWithIt) {
   EXPECT_EQ(log_readers(), "");
 }
 
+// This camera has no display.
+TEST_F(Camera, TellsWhatAFailedInjectionMayMean) {
+  const std::pair<std::vector<std::string>, std::vector<std::string>> rows[] = {
+      {{"orvctl", "key", "tap", "KEY_MENU"}, {"tap KEY_MENU"}},
+      {{"orvctl", "touch", "tap", "400", "240"}, {"press 400,240", "release 400,240"}},
+      {{"orvctl", "swipe", "100", "240", "700", "250"}, {"press 100,240", "release 700,250"}},
+  };
+  for (const auto& [words, injections] : rows) {
+    SCOPED_TRACE(injections.front());
+    const outcome told = run(words);
+    EXPECT_EQ(told.status, 1);
+    EXPECT_EQ(told.out, "");
+    EXPECT_EQ(one_line(told), static_cast<int>(injections.size())) << told.err;
+    for (const std::string& injection : injections) {
+      EXPECT_THAT(told.err, HasSubstr("orvctl: " + injection + ": the agent answered -1: "));
+    }
+    EXPECT_THAT(told.err,
+                AllOf(HasSubstr("application is gone"), HasSubstr("/sdcard has more"),
+                      HasSubstr("display is out of reach"), HasSubstr("earlier failure")));
+  }
+  EXPECT_EQ(number_at(VCONFKEY_ORV_COMMAND_PARAM3), 700);
+  EXPECT_EQ(number_at(VCONFKEY_ORV_COMMAND_PARAM4), 250);
+}
+
 TEST_F(Camera, IsMissedByATool) {
   end_host();
   const outcome told = run({"orvctl", "--timeout", "0.1", "target"});
   EXPECT_EQ(told.status, 3);
   EXPECT_THAT(told.err, HasSubstr("is a host running?"));
   EXPECT_EQ(one_line(told), 1);
+}
+
+TEST(Tool, ListsTheCamerasKeys) {
+  const std::pair<std::string, int> keys[] = {
+#define ROW(name, keycode) {name, keycode},
+      ORV_FOR_EACH_KEY(ROW)
+#undef ROW
+  };
+  std::istringstream list{run({"orvctl", "key", "--list"}).out};
+  std::vector<std::pair<std::string, int>> listed;
+  for (std::pair<std::string, int> row; list >> row.first >> row.second;) {
+    listed.push_back(row);
+  }
+  EXPECT_THAT(listed, ElementsAreArray(keys));
+  EXPECT_TRUE(list.eof()) << "more than names and keycodes";
 }
 
 TEST(Tool, TellsWrongUsageInOneLine) {
@@ -145,10 +188,15 @@ TEST(Tool, TellsWrongUsageInOneLine) {
       {{"orvctl", "send", "0x1ffffffff"}, "no command"},
       {{"orvctl", "send", "1", "2", "3", "4", "5", "6"}, "At Most 4"},
       {{"orvctl", "send", "1", "x"}, "no 32-bit number"},
+      {{"orvctl", "key", "tap", "KEY_MNEU"}, "no key \"KEY_MNEU\"; did you mean KEY_MENU?"},
+      {{"orvctl", "key", "press", "sw"}, "\"sw\" may be KEY_SW1, KEY_SW2"},
+      {{"orvctl", "key", "release", "zzzz"}, "orvctl key --list names them all"},
+      {{"orvctl", "touch", "tap", "400"}, "Y is required"},
       {{"orvctl", "target", "--timeout", "-1"}, "timeout"},
       {{"orvctl", "target", "--store", "/nonexistent"}, "/nonexistent: No such file"},
       {{"orvctl", "target", "--store", "/etc/passwd"}, "is not a directory"},
   };
+  vconf_set_int(VCONFKEY_ORV_COMMAND, 7);
   for (const auto& [words, message] : rows) {
     SCOPED_TRACE(message);
     const outcome told = run(words);
@@ -157,6 +205,7 @@ TEST(Tool, TellsWrongUsageInOneLine) {
     EXPECT_THAT(told.err, HasSubstr(message));
     EXPECT_EQ(one_line(told), 1) << told.err;
   }
+  EXPECT_EQ(number_at(VCONFKEY_ORV_COMMAND), 7) << "a command was written";
   EXPECT_FALSE(std::filesystem::exists("/nonexistent"));
 }
 
