@@ -94,6 +94,21 @@ TEST_F(Dispatch, NamesTheCodesThatItDoesNotKnow) {
   EXPECT_THAT(take_writes(), IsEmpty());
 }
 
+// The health check that this asks for fails: no application runs.
+TEST_F(Dispatch, HandsOnParametersAndTextAsTheyWereWritten) {
+  put(VCONFKEY_ORV_COMMAND_PARAM1, ORV_MON_TYPE_CPU);
+  put(VCONFKEY_ORV_COMMAND_PARAM2, -22);
+  put(VCONFKEY_ORV_COMMAND_PARAM3, 2147483647);
+  put(VCONFKEY_ORV_COMMAND_PARAM4, 4);
+  put(VCONFKEY_ORV_COMMAND_DATA, "a text, 100% of it");
+  EXPECT_THAT(messages_of(ORV_COMMAND_MONITOR),
+              ElementsAre(key_line, "I orv_monitor_handler+ ", "I  - param1=1 ",
+                          "I orv_cpu_monitor_handler+ ", "I   param1=1 ", "I   param2=-22 ",
+                          "I   param3=2147483647 ", "I   param4=4 ", "I   data=a text, 100% of it ",
+                          "I orv_event_cpu_monitor- ", "I orv_monitor_handler- "));
+  EXPECT_THAT(take_writes(), ElementsAre("memory/orv/result=-1"));
+}
+
 TEST_F(Dispatch, StopsAtTheFirstKeyThatCannotBeRead) {
   const std::pair<const char*, const char*> rows[] = {
       {VCONFKEY_ORV_COMMAND_DATA, "E vconf_get_int(VCONFKEY_ORV_COMMAND_DATA) failed "},

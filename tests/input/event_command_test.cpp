@@ -5,6 +5,7 @@
 #include <orv/health.h>
 
 #include "injection_probe.h"
+#include "input_recorder.h"
 
 namespace {
 
@@ -55,6 +56,16 @@ TEST_F(EventCommand, ReportsAFailureOnceMoreOnTheNextGoodInjection) {
   EXPECT_EQ(send(ORV_EVENT_TOUCH, 2, ""), -1);
   EXPECT_EQ(send(ORV_EVENT_KEY, ORV_RELEASE, "KEY_OK"), -1);
   EXPECT_EQ(tap("KEY_OK"), 0);
+}
+
+TEST_F(EventCommand, TouchesAtTheCommandsPlace) {
+  const orv_test::input_recorder recorder;
+  put(VCONFKEY_ORV_COMMAND_PARAM3, 123);
+  put(VCONFKEY_ORV_COMMAND_PARAM4, 45);
+  EXPECT_EQ(send(ORV_EVENT_TOUCH, ORV_PRESS, ""), 0);
+  EXPECT_EQ(recorder.pointer(), "123,45 down");
+  EXPECT_EQ(send(ORV_EVENT_TOUCH, ORV_RELEASE, ""), 0);
+  EXPECT_EQ(recorder.pointer(), "123,45 up");
 }
 
 TEST_F(EventCommand, NeitherAnswersNorFailsForAnUnknownType) {
