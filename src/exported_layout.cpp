@@ -42,7 +42,9 @@ static_assert(offsetof(thread_cpu_info, comm) == 12);
 static_assert(sizeof result_cpu_info == size_t{4096} * 44);
 
 static_assert(sizeof(thread_stack_info) == 72);
+static_assert(offsetof(thread_stack_info, tid) == 4);
 static_assert(offsetof(thread_stack_info, stack_start) == 8);
+static_assert(offsetof(thread_stack_info, stack_end) == 12);
 static_assert(offsetof(thread_stack_info, stack_size) == 16);
 static_assert(offsetof(thread_stack_info, esp) == 20);
 static_assert(offsetof(thread_stack_info, pcpu) == 24);

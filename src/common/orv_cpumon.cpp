@@ -1,7 +1,6 @@
 // The CPU sampler.
 
 #include <orv/cpu.h>
-#include <stddef.h>
 #include <string.h>
 
 #include "common/hex_address.h"
@@ -14,8 +13,6 @@ namespace orv {
 namespace {
 
 static_assert(max_listed_threads == ORV_CPU_INFO_RECORDS);
-static_assert(offsetof(thread_cpu_info, state) == 4 && offsetof(thread_cpu_info, comm) == 12 &&
-              sizeof(thread_cpu_info) == 44);
 
 thread_cpu_info record_of(const listed_thread& thread) {
   thread_cpu_info record{};

@@ -15,13 +15,6 @@ namespace orv {
 namespace {
 
 static_assert(max_listed_threads == ORV_STACK_INFO_RECORDS);
-static_assert(offsetof(thread_stack_info, tid) == 4 &&
-              offsetof(thread_stack_info, stack_start) == 8 &&
-              offsetof(thread_stack_info, stack_end) == 12 &&
-              offsetof(thread_stack_info, stack_size) == 16 &&
-              offsetof(thread_stack_info, esp) == 20 && offsetof(thread_stack_info, pcpu) == 24 &&
-              offsetof(thread_stack_info, comm) == 32 && offsetof(thread_stack_info, state) == 64 &&
-              sizeof(thread_stack_info) == 72);
 
 template <size_t N>
 void copy_text(char (&to)[N], const char (&from)[N]) {
