@@ -71,24 +71,24 @@ int run_program(std::initializer_list<const char*> words) {
 }
 
 // They share this process's memory: copies of it would take seconds to make.
-void crowd_to(int processes) {
+crowd::crowd(int processes) {
   static char* const stacks = map_stacks();
-  static std::vector<pid_t> sleepers;
-  const int others = count_processes() - static_cast<int>(sleepers.size());
-  while (static_cast<int>(sleepers.size()) + others < processes) {
-    char* const stack_end = stacks + (sleepers.size() + 1) * stack_size;
-    void* const name = sleepers.empty() ? const_cast<char*>(application) : nullptr;
+  for (int i = count_processes(); i < processes; ++i) {
+    char* const stack_end = stacks + (sleepers_.size() + 1) * stack_size;
+    void* const name = sleepers_.empty() ? const_cast<char*>(application) : nullptr;
     const pid_t sleeper = clone(sleep_for_ever, stack_end, CLONE_VM | SIGCHLD, name);
     if (sleeper < 0) {
       perror("orv-bench: clone");
       exit(1);
     }
-    sleepers.push_back(sleeper);
+    sleepers_.push_back(sleeper);
   }
-  while (!sleepers.empty() && static_cast<int>(sleepers.size()) + others > processes) {
-    kill(sleepers.back(), SIGKILL);
-    waitpid(sleepers.back(), nullptr, 0);
-    sleepers.pop_back();
+}
+
+crowd::~crowd() {
+  for (const pid_t sleeper : sleepers_) {
+    kill(sleeper, SIGKILL);
+    waitpid(sleeper, nullptr, 0);
   }
 }
 

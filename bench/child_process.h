@@ -2,7 +2,10 @@
 #ifndef ORV_BENCH_CHILD_PROCESS_H
 #define ORV_BENCH_CHILD_PROCESS_H
 
+#include <sys/types.h>
+
 #include <initializer_list>
+#include <vector>
 
 namespace orv_bench {
 
@@ -10,9 +13,18 @@ namespace orv_bench {
 // -1.
 int run_program(std::initializer_list<const char*> words);
 
-// Makes the processes that /proc shows so many, by sleeping ones, the first of which has the camera
-// application's name. Call it again for another number; they end with this process.
-void crowd_to(int processes);
+// While it lives, /proc shows so many processes, by sleeping ones, the first of which has the
+// camera application's name. One at a time.
+class crowd {
+ public:
+  explicit crowd(int processes);
+  crowd(const crowd&) = delete;
+  crowd& operator=(const crowd&) = delete;
+  ~crowd();
+
+ private:
+  std::vector<pid_t> sleepers_;
+};
 
 }  // namespace orv_bench
 

@@ -91,18 +91,10 @@ void bare_lister(benchmark::State& state) {
 
 BENCHMARK(read_meminfo)->Name("meminfo/read")->UseRealTime();
 BENCHMARK(bare_meminfo)->Name("meminfo/open-read-close")->UseRealTime();
-BENCHMARK(sample_stacks)->Name("samplers/stack")->UseRealTime()->Iterations(1)->Repetitions(41);
-BENCHMARK(bare_stack_commands)
-    ->Name("samplers/bare-stack-commands")
-    ->UseRealTime()
-    ->Iterations(1)
-    ->Repetitions(41);
-BENCHMARK(sample_cpu)->Name("samplers/cpu")->UseRealTime()->Iterations(1)->Repetitions(201);
-BENCHMARK(bare_lister)
-    ->Name("samplers/bare-lister")
-    ->UseRealTime()
-    ->Iterations(1)
-    ->Repetitions(201);
+BENCHMARK(sample_stacks)->Name("samplers/stack")->UseRealTime();
+BENCHMARK(bare_stack_commands)->Name("samplers/bare-stack-commands")->UseRealTime();
+BENCHMARK(sample_cpu)->Name("samplers/cpu")->UseRealTime();
+BENCHMARK(bare_lister)->Name("samplers/bare-lister")->UseRealTime();
 
 const bool wanted[] = {
     orv_bench::want("meminfo/read", "meminfo/open-read-close", 1.05),

@@ -2,7 +2,6 @@
 // main loop, and stops both on SIGTERM or SIGINT.
 
 #include <dlfcn.h>
-#include <errno.h>
 #include <glib-unix.h>
 #include <glib.h>
 #include <signal.h>
@@ -12,12 +11,17 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <fstream>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "command_line.h"
 
 namespace {
+
+constexpr auto children_patience = std::chrono::seconds{2};
 
 struct agent {
   int (*start)(void);
@@ -46,13 +50,19 @@ gboolean quit(gpointer loop) {
 }
 
 // The agent leaves its log reader running in the background. As the reaper of what it started, the
-// host finds such processes among its own children and ends them.
+// host finds such processes among its own children and ends them; one that stays is left alone.
 void end_children() {
   std::ifstream children{"/proc/thread-self/children"};
+  std::vector<pid_t> ended;
   for (pid_t child = 0; children >> child;) {
     kill(child, SIGTERM);
+    ended.push_back(child);
   }
-  while (wait(nullptr) > 0 || errno == EINTR) {
+  const auto deadline = std::chrono::steady_clock::now() + children_patience;
+  for (const pid_t child : ended) {
+    while (waitpid(child, nullptr, WNOHANG) == 0 && std::chrono::steady_clock::now() < deadline) {
+      std::this_thread::sleep_for(std::chrono::milliseconds{1});
+    }
   }
 }
 

@@ -9,7 +9,7 @@
 namespace orvctl {
 namespace {
 
-constexpr std::string_view packet_start = "848,";
+constexpr std::string_view packet_start = ORV_PACKET_START;
 
 // A stop answers three times: from the monitor's close, for the stop, and with the health check,
 // which is the verdict.

@@ -63,7 +63,14 @@ std::optional<answer> ask(context& shared, const command& sent) {
     shared.status = tell(shared, sent, outcome.error);
     return std::nullopt;
   }
-  shared.status = outcome.answered.result == ORV_RESULT_OK ? status_success : status_failure;
+  // A tick's result is always a success, and so is a query's.
+  const answer& answered = outcome.answered;
+  if (answered.overwritten && answered.result == ORV_RESULT_OK && !answered.text) {
+    fputs("orvctl: a monitor's tick overwrote the answer before it was read; ask again\n", stderr);
+    shared.status = status_no_answer;
+    return std::nullopt;
+  }
+  shared.status = answered.result == ORV_RESULT_OK ? status_success : status_failure;
   return std::move(outcome.answered);
 }
 

@@ -28,7 +28,8 @@ bool may_be_meant(const subcommand& one, std::span<char* const> words) {
     return std::find(words.begin(), words.end(), word) != words.end();
   };
   const auto stands = [has](const subcommand& other) { return has(other.name); };
-  return stands(one) || has("--help") || has("-h") || std::none_of(std::begin(subcommands), std::end(subcommands), stands);
+  return stands(one) || has("--help") || has("-h") ||
+         std::none_of(std::begin(subcommands), std::end(subcommands), stands);
 }
 
 constexpr char footer[] =

@@ -55,6 +55,8 @@ class answer_watch {
 
   std::optional<answer> wait(milliseconds timeout) {
     run_until([this] { return answer_.has_value(); }, timeout);
+    while (answer_ && g_main_context_iteration(nullptr, FALSE) != FALSE) {
+    }
     return answer_;
   }
 
@@ -86,6 +88,7 @@ class answer_watch {
 
   void key_changed(std::string_view key) {
     if (answer_) {
+      answer_->overwritten = answer_->overwritten || key == VCONFKEY_ORV_RESULT;
       return;
     }
     seen_change_ = true;

@@ -20,6 +20,7 @@ struct command {
 struct answer {
   int result;
   std::optional<std::string> text;
+  bool overwritten = false;  // by a later result, before it was read: `result` may be that one
 };
 
 enum class exchange_error { none, no_answer, store_failed, busy, watched };

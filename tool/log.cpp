@@ -11,6 +11,9 @@ namespace orvctl {
 namespace {
 
 void run(context& shared, bool dump) {
+  if (!store_is_usable(shared)) {
+    return;
+  }
   if (dump) {
     execlp("dlogutil", "dlogutil", "-d", "ORV", nullptr);
   } else {

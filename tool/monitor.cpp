@@ -19,7 +19,8 @@ void start(context& shared, const options& given) {
   const monitor_kind& kind = *find_monitor(given.monitor);
   const int interval_ms = interval_of(kind, given.interval_ms);
   if (ask(shared, start_command(kind, interval_ms))) {
-    printf("%s monitor runs, every %d ms\n", given.monitor.c_str(), interval_ms);
+    printf("%s monitor started, every %d ms unless it ran already\n", given.monitor.c_str(),
+           interval_ms);
   }
 }
 

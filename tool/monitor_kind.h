@@ -19,8 +19,8 @@ struct monitor_kind {
 
 inline constexpr monitor_kind monitor_kinds[] = {
     {"cpu", ORV_MON_TYPE_CPU, ORV_ITEM_CPU, 0},
-    {"heap", ORV_MON_TYPE_HEAP, ORV_ITEM_HEAP, 1000},
-    {"stack", ORV_MON_TYPE_STACK, ORV_ITEM_STACK, 2000},
+    {"heap", ORV_MON_TYPE_HEAP, ORV_ITEM_HEAP, ORV_HEAP_MONITOR_INTERVAL_MS},
+    {"stack", ORV_MON_TYPE_STACK, ORV_ITEM_STACK, ORV_STACK_MONITOR_INTERVAL_MS},
 };
 
 // Null when there is no such monitor.

@@ -18,12 +18,13 @@
 namespace orvctl {
 namespace {
 
-// Any longer, and what the other monitors write while the tool waits for a tick of this one, to
-// empty the key behind it, could fill the packet.
-constexpr int longest_interval_ms = 10000;
+// The tool waits for a tick of the slowest monitor to empty the key behind it. Any longer, and the
+// others could fill the packet meanwhile, and a query would give up waiting for the key.
+constexpr int longest_interval_ms = 4000;
 
 // For a tick of the stack monitor the target runs a shell command a thread.
 constexpr double stack_timeout_s = 30;
+constexpr auto stack_timeout = std::chrono::seconds{30};
 
 struct options {
   std::vector<std::string> monitors;
@@ -67,7 +68,7 @@ class item_output {
 
 std::map<int, std::string> thread_names(const watch_session& session) {
   std::map<int, std::string> names;
-  const auto answered = session.ask_afterwards({ORV_COMMAND_STACK_INFO, {}, {}});
+  const auto answered = session.ask_afterwards({ORV_COMMAND_STACK_INFO, {}, {}}, stack_timeout);
   const auto list = answered ? parse_thread_list(*answered->text) : std::nullopt;
   if (list) {
     for (const thread_stack& one : list->threads) {
@@ -108,7 +109,12 @@ void watch(context& shared, const options& given, const item_output& output) {
   settings.show = [&](const std::vector<packet_item>& items) {
     progress.clear();
     std::for_each(items.begin(), items.end(), [&](const auto& one) { summary.add(one); });
-    return output.write(items);
+    const bool written = output.write(items);
+    if (!written && output.has_csv()) {
+      perror(("orvctl: " + given.csv_path).c_str());
+      shared.status = status_failure;
+    }
+    return written;
   };
   settings.every_second = [&](size_t packet_bytes) {
     progress.show(summary.items(), packet_bytes);

@@ -1,12 +1,14 @@
 #include "packet_items.h"
 
+#include <orv/protocol.h>
+
 #include <charconv>
 #include <type_traits>
 
 namespace orvctl {
 namespace {
 
-constexpr std::string_view packet_start = "848,";
+constexpr std::string_view packet_start = ORV_PACKET_START;
 constexpr std::string_view mark = "$";
 
 // Takes fields off a text; once one is missing or is not what was asked for, all that follow fail.

@@ -20,8 +20,8 @@ using std::chrono::milliseconds;
 
 // A quarter of the packet and three quarters. Between them lies what the monitors write while the
 // tool waits for a tick of the slowest.
-constexpr size_t roomy_size = ORV_PACKET_MAX_TEXT / 4;
-constexpr size_t full_size = ORV_PACKET_MAX_TEXT / 4 * 3;
+constexpr size_t roomy_size = size_t{ORV_PACKET_MAX_TEXT} / 4;
+constexpr size_t full_size = roomy_size * 3;
 
 constexpr auto quiet_margin = milliseconds{2000};
 constexpr auto start_margin = milliseconds{500};
@@ -91,8 +91,9 @@ bool watch_session::run() {
          in_turn(&watch_session::finish);
 }
 
-std::optional<answer> watch_session::ask_afterwards(const command& sent) const {
-  const turn now{shared_.store, shared_.timeout(), shared_.timeout()};
+std::optional<answer> watch_session::ask_afterwards(const command& sent,
+                                                    milliseconds timeout) const {
+  const turn now{shared_.store, timeout, timeout};
   exchange_outcome outcome =
       now.held() ? now.ask(sent) : exchange_outcome{exchange_error::busy, {}};
   return outcome.error == exchange_error::none ? std::optional{std::move(outcome.answered)}

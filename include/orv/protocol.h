@@ -61,6 +61,12 @@ enum { ORV_MONITOR_STOP = 0, ORV_MONITOR_START = 1 };
 /* Item codes in a monitor packet. The stack item's code is not the stack monitor's type. */
 enum { ORV_ITEM_CPU = 1, ORV_ITEM_HEAP = 2, ORV_ITEM_STACK = 3 };
 
+/* How often the monitors with an interval of their own tick, in milliseconds. */
+enum { ORV_HEAP_MONITOR_INTERVAL_MS = 1000, ORV_STACK_MONITOR_INTERVAL_MS = 2000 };
+
+/* What every monitor packet begins with: ORV_COMMAND_SEND_BUFFER in decimal, and a comma. */
+#define ORV_PACKET_START "848,"
+
 /* Sizes of a monitor packet, in bytes: four for each number in it; marks do not count. */
 enum {
   ORV_PACKET_HEADER_SIZE = 8,

@@ -15,9 +15,9 @@
 namespace {
 
 // Between looks at a log that grows: writers then wake a sleeping reader this often at most.
-constexpr long look_interval_ns = 10'000'000;
+constexpr long look_interval_ns = 100'000'000;
 // A record that stays unfinished this long was left by a killed writer.
-constexpr int unfinished_looks = 20;
+constexpr int unfinished_looks = 2;
 
 constexpr char usage[] =
     "Usage: dlogutil [-d] [TAG ...]\n"

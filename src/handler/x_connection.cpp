@@ -52,7 +52,8 @@ x_connection::x_connection() noexcept {
 x_connection::~x_connection() {
   XSetIOErrorHandler(host_loss_handler);
   XSetErrorHandler(host_error_handler);
-  if (failed_ && sigismember(&host_signals_, SIGPIPE) == 0) {
+  // Not only after a failure that Xlib told: a server may go while the connection is set up.
+  if (sigismember(&host_signals_, SIGPIPE) == 0) {
     const sigset_t raised = broken_pipe();
     const timespec at_once{};
     sigtimedwait(&raised, nullptr, &at_once);

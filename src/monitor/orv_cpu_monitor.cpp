@@ -58,6 +58,7 @@ int orv_cpu_monitor_proc(void* /*user_data*/) {
 
   orv::bounded_text running{list_buffer.get(), orv::running_list_size};
   int32_t running_count = 0;
+  bool has_room = true;
   for (int32_t i = 0; i < thread_count; ++i) {
     const thread_cpu_info& thread = result_cpu_info[i];
     orv_log_info("\n");
@@ -67,15 +68,16 @@ int orv_cpu_monitor_proc(void* /*user_data*/) {
     orv_log_info(" THE Task ID   : %d\n", thread.tid);
     orv_log_info(" THE Task STATE: %s\n", thread.state);
     item.task_id = thread.tid;
-    if (orv::is_running(thread) && orv::append_item(running, item)) {
-      ++running_count;
+    if (orv::is_running(thread) && has_room) {
+      has_room = orv::append_item(running, item);
+      running_count += has_room ? 1 : 0;
     }
   }
 
   orv::bounded_text grown{wr_vconf_data};
   const bool grew = orv::grow_packet(orv::parse_packet(old_text),
                                      {item.item_size * running_count, running.view()}, grown);
-  orv::answer_tick(grew, grown);
+  orv::answer_tick(grew ? grown.c_str() : old_text.get());
   orv_log_info("end- \n");
   return 1;
 }

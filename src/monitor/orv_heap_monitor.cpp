@@ -32,6 +32,10 @@ constexpr meminfo_row memory_table[] = {
     {"MemTotal", &memory.mem_total},
 };
 
+// Kept from the first tick until the monitor is closed: giving back and taking two buffers of this
+// size at every tick would have the allocator return the pages to the system each time.
+owned_text packet_buffer;
+
 orv_heap_item sampled_item(uint32_t tick_count) {
   return {ORV_ITEM_HEAP_SIZE,
           ORV_ITEM_HEAP,
@@ -61,8 +65,10 @@ int orv_heap_monitor_proc(void* /*user_data*/) {
   orv_log_info("start+ \n");
   orv_meminfo(orv::memory_table, std::size(orv::memory_table));
   const orv::owned_text old_text = orv::read_packet();
-  const orv::owned_text buffer{static_cast<char*>(malloc(ORV_PACKET_MAX_TEXT))};
-  if (!buffer) {
+  if (!orv::packet_buffer) {
+    orv::packet_buffer.reset(static_cast<char*>(malloc(ORV_PACKET_MAX_TEXT)));
+  }
+  if (!orv::packet_buffer) {
     orv_log_error("Could not acllocate memory \n");
     exit(1);
   }
@@ -72,7 +78,7 @@ int orv_heap_monitor_proc(void* /*user_data*/) {
   char item_buffer[128];
   orv::bounded_text item_text{item_buffer};
   orv::format_item(item, item_text);
-  orv::bounded_text grown{buffer.get(), ORV_PACKET_MAX_TEXT};
+  orv::bounded_text grown{orv::packet_buffer.get(), ORV_PACKET_MAX_TEXT};
   const bool grew =
       orv::grow_packet(orv::parse_packet(old_text), {item.item_size, item_text.view()}, grown);
 
@@ -84,13 +90,14 @@ int orv_heap_monitor_proc(void* /*user_data*/) {
   orv_log_info("> The item id    ==   %ld\n", long{item.item_id});
   orv_log_info("> Heap Free  mem ==   %ld B \n", long{item.heap_free});
   orv_log_info("> Heap Max Free  ==   %ld B \n", long{item.heap_max_free});
-  orv::answer_tick(grew, grown);
+  orv::answer_tick(grew ? grown.c_str() : old_text.get());
   orv_log_info("end- \n");
   return 1;
 }
 
 int orv_heap_monitor_close(void) {
   orv_log_info("orv_heap_monitor_close() \n");
+  orv::packet_buffer.reset();
   orv::answer(ORV_RESULT_OK);
   return 1;
 }

@@ -11,9 +11,6 @@
 namespace orv {
 namespace {
 
-constexpr int32_t heap_interval_ms = 1000;
-constexpr int32_t stack_interval_ms = 2000;
-
 void answer_health() {
   answer(check_failed() < 0 ? ORV_RESULT_FAILED : ORV_RESULT_OK);
 }
@@ -83,7 +80,7 @@ void orv_heap_monitor(orv_command* record, const char* data) {
   orv_log_info("param2=%d \n", record->param2);
   orv_log_info("param3=%d \n", record->param3);
   orv_log_info("  data=%s \n", data);
-  orv::run(record, orv::heap_interval_ms);
+  orv::run(record, ORV_HEAP_MONITOR_INTERVAL_MS);
   orv_log_info("orv_heap_monitor_handler- \n");
 }
 
@@ -94,5 +91,5 @@ void orv_stack_monitor(orv_command* record, const char* data) {
   orv_log_info("  param3=%d \n", record->param3);
   orv_log_info("  param4=%d \n", record->param4);
   orv_log_info("  data=%s \n", data);
-  orv::run(record, orv::stack_interval_ms);
+  orv::run(record, ORV_STACK_MONITOR_INTERVAL_MS);
 }

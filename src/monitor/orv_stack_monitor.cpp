@@ -57,6 +57,7 @@ int orv_stack_monitor_proc(void* /*user_data*/) {
 
   orv::bounded_text groups{list_buffer.get(), orv::thread_list_size};
   int32_t task_count = 0;
+  bool has_room = true;
   for (int32_t i = 0; i < thread_count; ++i) {
     const thread_stack_info& thread = result_stack_info[i];
     orv_log_info("\n==================================================================\n");
@@ -67,9 +68,8 @@ int orv_stack_monitor_proc(void* /*user_data*/) {
     orv_log_info("Base  POINTER    :   %X\n", thread.stack_start);
     orv_log_info("TOP   POINTER    :   %X\n", thread.stack_end);
     orv_log_info("=====================================================================");
-    if (orv::append_group(groups, thread)) {
-      ++task_count;
-    }
+    has_room = has_room && orv::append_group(groups, thread);
+    task_count += has_room ? 1 : 0;
   }
 
   const int32_t item_size = ORV_ITEM_STACK_SIZE + ORV_ITEM_STACK_GROUP_SIZE * task_count;
@@ -80,7 +80,7 @@ int orv_stack_monitor_proc(void* /*user_data*/) {
   orv::bounded_text grown{buffer.get(), ORV_PACKET_MAX_TEXT};
   const bool grew =
       orv::grow_packet(orv::parse_packet(old_text), {item_size, head.view(), groups.view()}, grown);
-  orv::answer_tick(grew, grown);
+  orv::answer_tick(grew ? grown.c_str() : old_text.get());
   orv_log_info("end- \n");
   return 1;
 }

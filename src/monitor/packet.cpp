@@ -14,7 +14,7 @@ orv_packet_header g_packet_data = {};
 namespace orv {
 namespace {
 
-constexpr std::string_view packet_start = "848,";
+constexpr std::string_view packet_start = ORV_PACKET_START;
 static_assert(ORV_COMMAND_SEND_BUFFER == 848);
 
 constexpr packet empty_packet = {ORV_PACKET_HEADER_SIZE, {}};
@@ -64,8 +64,8 @@ bool grow_packet(const packet& old, const tick_items& items, bounded_text& grown
   return fits;
 }
 
-void answer_tick(bool grew, const bounded_text& grown) {
-  grew ? answer(grown.c_str(), ORV_RESULT_OK) : answer(ORV_RESULT_OK);
+void answer_tick(const char* packet) {
+  answer(packet, ORV_RESULT_OK);
 }
 
 }  // namespace orv

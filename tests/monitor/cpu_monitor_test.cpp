@@ -9,7 +9,6 @@
 
 namespace {
 
-using orv_test::put;
 using orv_test::take_messages;
 using orv_test::take_writes;
 using orv_test::text_at;

@@ -6,7 +6,6 @@
 
 namespace {
 
-using orv_test::fault;
 using orv_test::put;
 using orv_test::run_until;
 using orv_test::take_intervals;

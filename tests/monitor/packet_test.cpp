@@ -66,7 +66,8 @@ TEST_F(FullPacket, IsKeptAndNextTicksGoOn) {
       take_writes();
       EXPECT_EQ(proc(nullptr), 1);
       EXPECT_EQ(text_at(VCONFKEY_ORV_RESULT_DATA), full);
-      EXPECT_THAT(take_writes(), ElementsAre("memory/orv/result=0"));
+      EXPECT_THAT(take_writes(),
+                  ElementsAre("memory/orv/result_data=" + full, "memory/orv/result=0"));
       const auto messages = take_messages();
       EXPECT_THAT(messages, Contains(StartsWith("E ")).Times(1));
       EXPECT_THAT(messages, Contains("E grow_packet():: packet is full, item of " +

@@ -8,7 +8,6 @@
 
 namespace {
 
-using orvctl::answer;
 using orvctl::answer_filter;
 using orvctl::command;
 

@@ -13,7 +13,6 @@ namespace {
 using orvctl::packet_follower;
 using orvctl::packet_item;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 // As they are told, so that a case can be read.
 std::vector<std::string> told(const std::vector<packet_item>& items) {
