@@ -107,23 +107,23 @@ void scan_bare(benchmark::State& state) {
 void scan_by_libproc2(benchmark::State& state) {
   const crowd others{static_cast<int>(state.range(0))};
   pids_item items[] = {PIDS_ID_PID, PIDS_CMD};
-  pids_info* info = nullptr;
-  if (procps_pids_new(&info, items, 2) != 0) {
-    state.SkipWithError("procps_pids_new failed");
-    return;
-  }
   bool found = true;
   for (auto _ : state) {
+    pids_info* info = nullptr;
+    if (procps_pids_new(&info, items, 2) != 0) {
+      state.SkipWithError("procps_pids_new failed");
+      break;
+    }
     const pids_fetch* all = procps_pids_reap(info, PIDS_FETCH_TASKS_ONLY);
     found =
         found && std::any_of(all->stacks, all->stacks + all->counts->total, [&](pids_stack* one) {
           return strcmp(PIDS_VAL(1, str, one, info), application) == 0;
         });
+    procps_pids_unref(&info);
   }
   if (!found) {
     state.SkipWithError("the application was not found");
   }
-  procps_pids_unref(&info);
 }
 
 void scan_by_pgrep(benchmark::State& state) {

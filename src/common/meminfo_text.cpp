@@ -42,6 +42,10 @@ const meminfo_row* find_row(const char* name, const meminfo_row* table, int coun
 }  // namespace
 
 void take_meminfo(char* text, const meminfo_row* table, int count) noexcept {
+  // Many names need no search: their first letter lies outside of the table's.
+  const auto letter = [](const char* name) { return static_cast<unsigned char>(*name); };
+  const int first = count > 0 ? letter(table[0].name) : 1;
+  const int last = count > 0 ? letter(table[count - 1].name) : 0;
   char* const end = text + strlen(text);
   while (true) {
     char* const colon = std::find(text, end, ':');
@@ -49,8 +53,8 @@ void take_meminfo(char* text, const meminfo_row* table, int count) noexcept {
       return;
     }
     *colon = '\0';
-    const bool fits = colon - text < name_size;
-    if (const meminfo_row* row = fits ? find_row(text, table, count) : nullptr) {
+    const bool wanted = colon - text < name_size && letter(text) >= first && letter(text) <= last;
+    if (const meminfo_row* row = wanted ? find_row(text, table, count) : nullptr) {
       *row->slot = static_cast<uint32_t>(strtoul(colon + 1, nullptr, 10));
     }
     void* const newline = memchr(colon + 1, '\n', static_cast<size_t>(end - (colon + 1)));

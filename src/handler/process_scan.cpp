@@ -9,17 +9,17 @@
 namespace orv {
 namespace {
 
-constexpr size_t path_size = 40;
+constexpr size_t path_size = 34;
 constexpr size_t stat_size = 512;
 
 // What could be read of the process's stat text, up to the buffer's size.
-std::string_view read_stat(const char* process, char (&buffer)[stat_size]) noexcept {
+std::string_view read_stat(int proc, const char* process, char (&buffer)[stat_size]) noexcept {
   char path_buffer[path_size];
   bounded_text path{path_buffer};
-  if (!path.append("/proc/") || !path.append(process) || !path.append("/stat")) {
+  if (!path.append(process) || !path.append("/stat")) {
     return {};  // too long a name for a process
   }
-  const descriptor stat{open(path.c_str(), O_RDONLY | O_CLOEXEC)};
+  const descriptor stat{openat(proc, path.c_str(), O_RDONLY | O_CLOEXEC)};
   const ssize_t length = stat ? read(stat.get(), buffer, sizeof buffer) : -1;
   return {buffer, length > 0 ? static_cast<size_t>(length) : 0};
 }
@@ -32,7 +32,7 @@ const char* process_scan::next_with(std::string_view text) noexcept {
   char buffer[stat_size];
   while (const dirent* entry = readdir(processes_.get())) {
     if (IsDigit(entry->d_name) == 0 &&
-        read_stat(entry->d_name, buffer).find(text) != std::string_view::npos) {
+        read_stat(dirfd(processes_.get()), entry->d_name, buffer).find(text) != std::string_view::npos) {
       return entry->d_name;
     }
   }
