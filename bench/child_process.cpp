@@ -12,6 +12,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <vector>
 
 namespace orv_bench {
@@ -21,10 +22,13 @@ constexpr size_t stack_size = 8192;
 constexpr int most_sleepers = 4000;
 constexpr char application[] = "lumen-ui-host";
 
+std::atomic<bool> named{false};
+
 int sleep_for_ever(void* name) {
   prctl(PR_SET_PDEATHSIG, SIGKILL);
   if (name != nullptr) {
     prctl(PR_SET_NAME, name);
+    named = true;
   }
   while (true) {
     pause();
@@ -73,6 +77,7 @@ int run_program(std::initializer_list<const char*> words) {
 // They share this process's memory: copies of it would take seconds to make.
 crowd::crowd(int processes) {
   static char* const stacks = map_stacks();
+  named = false;
   for (int i = count_processes(); i < processes; ++i) {
     char* const stack_end = stacks + (sleepers_.size() + 1) * stack_size;
     void* const name = sleepers_.empty() ? const_cast<char*>(application) : nullptr;
@@ -82,6 +87,9 @@ crowd::crowd(int processes) {
       exit(1);
     }
     sleepers_.push_back(sleeper);
+  }
+  while (!sleepers_.empty() && !named) {
+    sched_yield();
   }
 }
 
