@@ -9,6 +9,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -128,6 +129,50 @@ TEST_F(Watch, LosesNoItemAndShowsNoneTwiceWhileOthersCommandAndAsk) {
   const int last = expect_each_thread_once();
   // One more `ps` was run for the threads' names.
   EXPECT_EQ(lines_of(directory_ / "serial").at(0), std::to_string(last + threads_a_tick));
+}
+
+long resident_kib(pid_t process) {
+  std::ifstream status{"/proc/" + std::to_string(process) + "/status"};
+  for (std::string line; std::getline(status, line);) {
+    if (line.starts_with("VmRSS:")) {
+      return std::stol(line.substr(6));
+    }
+  }
+  return 0;
+}
+
+TEST_F(Watch, RunsAllMonitorsBesideKeysAndQueriesInSteadyMemory) {
+  background watch{
+      {"sh", "-c", "exec orvctl monitor watch --interval 50 --for 12s --json >" + shown()}};
+  const std::string queries = directory_ / "queries";
+  const std::string keys = directory_ / "keys";
+  background asking{[&] { return ask_forever({"orvctl", "heap"}, {0}, queries); }};
+  background tapping{[&] {
+    return ask_forever({"orvctl", "key", "tap", "KEY_MENU"}, {1, 3}, keys);  // there is no display
+  }};
+  ASSERT_TRUE(eventually([this] { return lines_of(shown()).size() > 1000; }, 60000));
+  [[maybe_unused]] const long resident = resident_kib(host_->pid());
+  EXPECT_EQ(watch.wait(60000), 0);
+  EXPECT_EQ(asking.wait(0), -1) << "a query was not answered";
+  EXPECT_EQ(tapping.wait(0), -1) << "a key was not answered";
+  EXPECT_TRUE(fs::exists(queries) && fs::exists(keys));
+#if !defined(__SANITIZE_ADDRESS__) && !defined(ORV_EMULATED)  // those take memory of their own
+  EXPECT_LT(resident_kib(host_->pid()), resident + 300);
+#endif
+  std::map<std::string, int> items;
+  std::map<std::string, int64_t> last_tick;
+  for (const std::string& line : lines_of(shown())) {
+    const nlohmann::json item = nlohmann::json::parse(line);
+    if (item.contains("item")) {
+      const std::string kind = item["item"];
+      ++items[kind];
+      EXPECT_GE(item["tick_ms"], last_tick[kind]) << line;
+      last_tick[kind] = item["tick_ms"];
+    }
+  }
+  EXPECT_GT(items["cpu"], 1000);
+  EXPECT_GE(items["heap"], 4);
+  EXPECT_GE(items["stack"], 3);
 }
 
 TEST_F(Watch, SumsUpAndLeavesNoMonitorRunning) {
