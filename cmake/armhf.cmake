@@ -5,6 +5,7 @@ set(CMAKE_SYSTEM_PROCESSOR armv7l)
 set(CMAKE_C_COMPILER arm-linux-gnueabihf-gcc)
 set(CMAKE_CXX_COMPILER arm-linux-gnueabihf-g++)
 set(CMAKE_LIBRARY_ARCHITECTURE arm-linux-gnueabihf)
+set(CMAKE_CXX_FLAGS_INIT -Wno-psabi) # remarks on what compilers before 2017 did otherwise
 
 set(CMAKE_SYSROOT ${CMAKE_CURRENT_LIST_DIR}/../build/sysroot-armhf)
 cmake_path(NORMAL_PATH CMAKE_SYSROOT)

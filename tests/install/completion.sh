@@ -24,7 +24,7 @@ expect 'directories' 'stores/one stores/the second' "$(bash_offers orvctl send -
 expect 'directories behind =' 'stores/one' "$(bash_offers orvctl --store = stores/o)"
 
 if ! type -P zsh >/dev/null; then
-  echo 'zsh is not installed'
+  echo 'skipped: completion in zsh, which is not installed'
   exit 77
 fi
 # zsh_line TEXT: the line that zsh has after Tab behind TEXT.

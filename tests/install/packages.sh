@@ -1,7 +1,7 @@
 # The Debian packages, unpacked into a tree of their own: what they need, what they hold, and that
 # their programs run from there.
 if [[ $SYSROOT ]]; then
-  echo 'what packages of this architecture need is told by an installed system of it, not by a sysroot'
+  echo 'skipped: install_packages: what packages of this architecture need is told by an installed system of it, not by a sysroot'
   exit 77
 fi
 "${CMAKE%cmake}cpack" --config "$BUILD/CPackConfig.cmake" -B packages >cpack.log 2>&1 ||
