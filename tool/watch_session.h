@@ -49,8 +49,8 @@ class watch_session {
   bool run();
 
   // A command afterwards, while the packet is still the watch's; empty when nobody answers.
-  [[nodiscard]] std::optional<answer> ask_afterwards(
-      const command& sent, std::chrono::milliseconds timeout) const;
+  [[nodiscard]] std::optional<answer> ask_afterwards(const command& sent,
+                                                     std::chrono::milliseconds timeout) const;
 
  private:
   using clock = std::chrono::steady_clock;

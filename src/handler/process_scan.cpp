@@ -32,7 +32,8 @@ const char* process_scan::next_with(std::string_view text) noexcept {
   char buffer[stat_size];
   while (const dirent* entry = readdir(processes_.get())) {
     if (IsDigit(entry->d_name) == 0 &&
-        read_stat(dirfd(processes_.get()), entry->d_name, buffer).find(text) != std::string_view::npos) {
+        read_stat(dirfd(processes_.get()), entry->d_name, buffer).find(text) !=
+            std::string_view::npos) {
       return entry->d_name;
     }
   }

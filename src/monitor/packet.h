@@ -36,8 +36,8 @@ packet parse_packet(const owned_text& text);
 // g_packet_data gets the total of the packet that the key is to hold.
 bool grow_packet(const packet& old, const tick_items& items, bounded_text& grown);
 
-// Ends a tick: writes the packet, the old one if it did not grow, and the result. A tool tells ticks
-// from answers by the packet that comes before the result.
+// Ends a tick: writes the packet, the old one if it did not grow, and the result. A tool tells
+// ticks from answers by the packet that comes before the result.
 void answer_tick(const char* packet);
 
 }  // namespace orv
