@@ -2,11 +2,9 @@
 
 #include <string>
 
-// What a shell command prints on standard output (binary safe), and its exit status.
-struct shell_result {
-  std::string output;
-  int status;
-};
+#include "process.h"
 
-// Runs with the camera's programs first in PATH.
-shell_result run_in_camera(const std::string& command);
+// Runs a shell command with the camera's programs first in PATH.
+inline orv_test::outcome run_in_camera(const std::string& command) {
+  return orv_test::run({"sh", "-c", "PATH='" ORV_CAMERA_TOOLS "':$PATH; " + command});
+}

@@ -58,7 +58,7 @@ struct shown_thread {
 };
 
 std::map<pid_t, shown_thread> listed_threads() {
-  std::istringstream listing{run_in_camera("ps -eLo pid,tid,pcpu,esp,comm,state").output};
+  std::istringstream listing{run_in_camera("ps -eLo pid,tid,pcpu,esp,comm,state").out};
   std::map<pid_t, shown_thread> threads;
   std::string line;
   std::getline(listing, line);
@@ -163,7 +163,7 @@ TEST_F(Stacks, AreTheOnlyMarkedMappingInTheirThreadsMapsFile) {
     const std::string maps =
         "/proc/" + std::to_string(getpid()) + "/task/" + std::to_string(tid) + "/maps";
     const auto marked = run_in_camera("cat " + maps + " | grep stack | awk '{print $ 1}'");
-    EXPECT_EQ(marked.output, mapping_that_holds(frame).in_8_digits());
+    EXPECT_EQ(marked.out, mapping_that_holds(frame).in_8_digits());
   }
 }
 

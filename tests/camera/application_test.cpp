@@ -6,25 +6,45 @@
 #include <fstream>
 #include <set>
 
-#include "child_program.h"
 #include "emulation.h"
+#include "process.h"
 #include "screen_reader.h"
+#include "x_server.h"
 
 namespace {
 
 constexpr unsigned long amber_rgb = 0xffb828;
 
-std::vector<std::string> application(std::vector<std::string> options = {}) {
-  options.insert(options.begin(), {"lumen-ui-host", "--ready-fd", "3"});
-  return options;
+constexpr char told_file[] = "/tmp/application-told";
+
+// What the application has written: that it is ready, and its errors.
+std::string told() {
+  std::ifstream file{told_file};
+  return std::string{std::istreambuf_iterator{file}, {}};
 }
+
+// The words of a shell that becomes the application.
+std::vector<std::string> words(const std::string& options, const std::string& environment = "") {
+  return {"sh", "-c",
+          "exec env " + environment + " lumen-ui-host --ready-fd 3 " + options + " 3>&2"};
+}
+
+// Ready when it is made.
+class application : public orv_test::background {
+ public:
+  explicit application(const std::string& options = "", const std::string& environment = "")
+      : background{words(options + " 2>" + told_file, environment)} {
+    EXPECT_TRUE(comes_true([] { return told() == "ready\n"; }));
+  }
+  application(const application&) = delete;
+  application& operator=(const application&) = delete;
+  ~application() { std::filesystem::remove(told_file); }
+};
 
 class Application : public testing::Test {
  protected:
-  void SetUp() override { ASSERT_EQ(started_.first_line(), "ready"); }
-
   screen_reader reader_;
-  child_program started_{application()};
+  application started_;
 };
 
 TEST_F(Application, TellsEachKeyByNameAsItGoesDownAndUp) {
@@ -103,7 +123,7 @@ TEST_F(Application, MovesItsClockBySeconds) {
 TEST(ApplicationStart, ShowsKeysThatAreHeldAlready) {
   const screen_reader reader;
   reader.key(134, true);
-  const child_program started{application()};
+  const application started;
   EXPECT_EQ(reader.input_text(), "events 0\nkey none\nheld KEY_SW2\ntouch none\n");
   reader.key(134, false);
 }
@@ -127,7 +147,7 @@ std::vector<seen_thread> threads_of(int pid) {
 
 TEST(ApplicationThreads, WaitOrRunExceptTheOneToldToHang) {
   ORV_SKIP_WHEN_EMULATED("no wait is uninterruptible, and the emulator has a thread of its own");
-  const child_program started{application({"--hang-thread", "Shutter Assert "})};
+  const application started{"--hang-thread 'Shutter Assert '"};
   const auto hanging = [&] {
     std::string names;
     for (const auto& [name, state] : threads_of(started.pid()))
@@ -150,38 +170,37 @@ TEST(ApplicationThreads, HangingOneEndsWithTheApplicationAndIsNoSecondOne) {
     return count;
   };
   {
-    const child_program started{application({"--hang-thread", "lumen-ui-host-n"})};
+    const application started{"--hang-thread lumen-ui-host-n"};
     EXPECT_TRUE(comes_true([&] { return processes_like("hang-partner") == 1; }));
     EXPECT_EQ(processes_like("lumen-ui-host"), 1);
   }
   EXPECT_TRUE(comes_true([&] { return processes_like("hang-partner") == 0; }));
 }
 
-TEST(ApplicationEnd, ComesAfterTheGivenTime) {
-  child_program started{application({"--exit-after", "0.2"})};
-  EXPECT_EQ(started.first_line(), "ready");
-  EXPECT_EQ(started.exit_status(), 0);
-}
-
 TEST(ApplicationEnd, IsOneLineWhenTheServerGoes) {
-  auto server = std::make_unique<child_program>(
-      std::vector<std::string>{"Xvfb", "-displayfd", "3", "-noreset", "-nolisten", "unix"});
-  const std::string display = ":" + server->first_line();
-  child_program started{{"env", "DISPLAY=" + display, "lumen-ui-host", "--ready-fd", "3"}};
-  ASSERT_EQ(started.first_line(), "ready");
-  server.reset();
-  EXPECT_EQ(started.exit_status(), 1);
-  EXPECT_EQ(started.errors(), "lumen-ui-host: lost the X server " + display + "\n");
+  orv_test::x_server server{7};
+  application started{"", "DISPLAY=:7"};
+  server.kill();
+  EXPECT_EQ(started.wait(), 1);
+  EXPECT_EQ(told(), "ready\nlumen-ui-host: lost the X server :7\n");
 }
 
-TEST(ApplicationEnd, IsOneLineForWrongUseAndForNoServer) {
-  child_program misnamed{application({"--hang-thread", "AeMian"})};
-  EXPECT_EQ(misnamed.exit_status(), 2);
-  EXPECT_EQ(misnamed.errors(),
-            "lumen-ui-host: --hang-thread: no thread is called AeMian (see --help)\n");
-  child_program blind{{"env", "DISPLAY=:4711", "lumen-ui-host"}};
-  EXPECT_EQ(blind.exit_status(), 1);
-  EXPECT_EQ(blind.errors(), "lumen-ui-host: no X server answers at the display :4711\n");
+TEST(ApplicationEnd, ComesInTimeAndAtOnceForWrongUseAndForNoServer) {
+  const struct {
+    std::vector<std::string> command;
+    int status;
+    const char* told;
+  } rows[] = {
+      {words("--exit-after 0.2"), 0, "ready\n"},
+      {words("--hang-thread AeMian"), 2,
+       "lumen-ui-host: --hang-thread: no thread is called AeMian (see --help)\n"},
+      {words("", "DISPLAY=:4711"), 1, "lumen-ui-host: no X server answers at the display :4711\n"},
+  };
+  for (const auto& row : rows) {
+    const auto ended = orv_test::run(row.command);
+    EXPECT_EQ(ended.status, row.status);
+    EXPECT_EQ(ended.err, row.told);
+  }
 }
 
 }  // namespace

@@ -4,9 +4,9 @@
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
 
-#include <chrono>
 #include <memory>
-#include <thread>
+
+#include "process.h"
 
 namespace {
 
@@ -87,13 +87,7 @@ int screen_reader::take_key_presses() const {
 }
 
 bool comes_true(const std::function<bool()>& holds) {
-  using namespace std::chrono;
-  const auto deadline = steady_clock::now() + 10s;
-  while (!holds()) {
-    if (steady_clock::now() > deadline) return false;
-    std::this_thread::sleep_for(2ms);
-  }
-  return true;
+  return orv_test::eventually(holds, 10'000);
 }
 
 std::string awaited_input(const screen_reader& reader, const std::string& text) {

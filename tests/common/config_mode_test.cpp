@@ -20,17 +20,9 @@ constexpr char exit_line[] = "I  orv_check_config_mode-";
 class ConfigMode : public orv_test::AgentTest {
  protected:
   void TearDown() override { std::filesystem::remove_all(config_file); }
-
-  static void write(const std::string& text) {
-    std::ofstream{config_file, std::ios::trunc | std::ios::binary} << text;
-  }
 };
 
-struct reading {
-  int result;
-  int mode;
-  bool operator==(const reading&) const = default;
-};
+using reading = std::pair<int, int>;  // the result and the mode
 
 reading read() {
   int mode = 7;
@@ -62,20 +54,17 @@ TEST_F(ConfigMode, IsTheFirstKeywordOfTheTableThatTheFirstLineHolds) {
   };
   for (const auto& [text, expected] : rows) {
     SCOPED_TRACE(text);
-    write(text);
+    std::ofstream{config_file, std::ios::trunc | std::ios::binary} << text;
     EXPECT_EQ(read(), expected);
-    EXPECT_EQ(orv_check_config_mode(nullptr), expected.result);
+    EXPECT_EQ(orv_check_config_mode(nullptr), expected.first);
     EXPECT_THAT(take_messages(), ElementsAre(entry_line, exit_line, entry_line, exit_line));
   }
 }
 
-TEST_F(ConfigMode, IsNormalWithoutAFile) {
+TEST_F(ConfigMode, IsNormalWithoutAFileThatCanBeRead) {
   EXPECT_EQ(read(), none);
   EXPECT_THAT(take_messages(),
               ElementsAre(entry_line, "I  Could not access orv_file ===", exit_line));
-}
-
-TEST_F(ConfigMode, TakesWhatCannotBeReadAsEmpty) {
   std::filesystem::create_directory(config_file);  // access and fopen allow it, fgets does not
   EXPECT_EQ(read(), none);
   EXPECT_THAT(take_messages(), ElementsAre(entry_line, exit_line));

@@ -2,8 +2,6 @@
 
 #include <gmock/gmock.h>
 #include <orv/health.h>
-#include <signal.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -11,6 +9,7 @@
 
 #include "agent_probe.h"
 #include "emulation.h"
+#include "process.h"
 
 namespace {
 
@@ -99,43 +98,20 @@ TEST_F(ThreadCheck, AsksTheListsAsTheyStand) {
   monitor_thread_list[0] = recorder;
 }
 
-// The camera application with one thread hanging.
-class hanging_application {
- public:
-  explicit hanging_application(const char* thread) {
-    int ready[2];
-    EXPECT_EQ(pipe(ready), 0);
-    pid_ = fork();
-    if (pid_ == 0) {
-      close(ready[0]);
-      const std::string fd = std::to_string(ready[1]);
-      execlp("lumen-ui-host", "lumen-ui-host", "--hang-thread", thread, "--ready-fd", fd.c_str(),
-             nullptr);
-      _exit(127);
-    }
-    close(ready[1]);
-    char byte = 0;
-    EXPECT_EQ(read(ready[0], &byte, 1), 1) << "the application did not start";
-    close(ready[0]);
-  }
-  hanging_application(const hanging_application&) = delete;
-  hanging_application& operator=(const hanging_application&) = delete;
-  ~hanging_application() {
-    kill(pid_, SIGKILL);
-    waitpid(pid_, nullptr, 0);
-  }
-  [[nodiscard]] std::string tasks() const { return "/proc/" + std::to_string(pid_) + "/task"; }
-
- private:
-  pid_t pid_ = -1;
-};
-
 TEST_F(ThreadCheck, FindsTheOneThreadOfTheApplicationThatHangs) {
   ORV_SKIP_WHEN_EMULATED("no wait is uninterruptible");
-  const hanging_application application{"AeMain"};
+  int ready[2];
+  ASSERT_EQ(pipe(ready), 0);
+  const orv_test::background application{
+      {"lumen-ui-host", "--hang-thread", "AeMain", "--ready-fd", std::to_string(ready[1])}};
+  close(ready[1]);
+  char byte = 0;
+  EXPECT_EQ(read(ready[0], &byte, 1), 1) << "the application did not start";
+  close(ready[0]);
+  const std::string tasks = "/proc/" + std::to_string(application.pid()) + "/task";
   int threads = 0;
   int faults = 0;
-  for (const auto& task : std::filesystem::directory_iterator{application.tasks()}) {
+  for (const auto& task : std::filesystem::directory_iterator{tasks}) {
     std::string line;
     std::getline(std::ifstream{task.path() / "stat"}, line);
     ++threads;

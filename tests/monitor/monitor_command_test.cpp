@@ -1,15 +1,10 @@
 #include <gmock/gmock.h>
-#include <sys/prctl.h>
-#include <unistd.h>
 
-#include <fstream>
-
+#include "camera_application.h"
 #include "monitor_probe.h"
-#include "process.h"
 
 namespace {
 
-using orv_test::background;
 using orv_test::take_intervals;
 using orv_test::take_writes;
 using testing::ElementsAre;
@@ -53,14 +48,7 @@ TEST_F(MonitorCommand, AnswersHealthUnlessItStarts) {
     EXPECT_THAT(writes_of(type, 0, 500), ElementsAre(answered_0, answered_0, answered_failure));
     EXPECT_EQ(take_intervals().size(), 1U);
   }
-  const background application{[] {
-    prctl(PR_SET_NAME, "lumen-ui-host");
-    return pause();
-  }};
-  ASSERT_TRUE(orv_test::eventually([&] {
-    std::ifstream name{"/proc/" + std::to_string(application.pid()) + "/comm"};
-    return std::string{std::istreambuf_iterator{name}, {}} == "lumen-ui-host\n";
-  }));
+  const orv_test::camera_application application;
   for (const int type : types) {
     SCOPED_TRACE(type);
     EXPECT_THAT(writes_of(type, 1, 0), ElementsAre(answered_0));
@@ -70,8 +58,7 @@ TEST_F(MonitorCommand, AnswersHealthUnlessItStarts) {
 
 TEST_F(MonitorCommand, GivesEachMonitorItsInterval) {
   for (const int type : types) {
-    orv_command record{type, 1, 250, 0, ORV_COMMAND_MONITOR};
-    orv_monitor_handler(&record, "");
+    writes_of(type, 1, 250);
   }
   EXPECT_THAT(take_intervals(), ElementsAre(250U, 1000U, 2000U));
 }

@@ -57,11 +57,10 @@ TEST_F(StackMonitor, AppendsAGroupForEachThread) {
 
 TEST_F(StackMonitor, KnowsTheStatesByTheirFirstLetter) {
   feed({"S", "R", "D", "Z", "T", "W", "t", "I", "Sl"});
-  const std::pair<int, int> codes[] = {{101, 2},  {102, 9}, {103, 6}, {104, 17}, {105, 8},
-                                       {106, 16}, {107, 0}, {108, 0}, {109, 2}};
   std::string groups;
-  for (const auto& [id, code] : codes) {
-    groups += group(id, code);
+  int id = 100;
+  for (const int code : {2, 9, 6, 17, 8, 16, 0, 0, 2}) {
+    groups += group(++id, code);
   }
   EXPECT_EQ(packet_after(""), "848,204,196,3,T,9," + groups);
 }

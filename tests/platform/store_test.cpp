@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 #include <limits.h>
 #include <stdlib.h>
-#include <string.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utime.h>
@@ -272,51 +271,35 @@ TEST_F(Store, SweepsWhatKilledWritersLeftBehind) {
   EXPECT_TRUE(fs::exists(new_file)) << "may be another writer's";
 }
 
-struct refusal {
-  const char* description;
-  std::function<void(const fs::path&)> prepare;
-  const char* message;
-};
-
 TEST_F(Store, RefusesARootThatOthersCanReach) {
-  const refusal rows[] = {
-      {"open to others",
-       [](const fs::path& path) {
-         fs::create_directory(path);
-         chmod(path.c_str(), 0750);
-       },
-       "is open to others (mode 0750)"},
-      {"a file", [](const fs::path& path) { std::ofstream{path} << "x"; }, "directory"},
-      {"a link", [](const fs::path& path) { fs::create_directory_symlink("/dev/shm", path); },
-       "directory"},
-      {"someone else's",
-       [](const fs::path& path) {
-         fs::create_directory(path);
-         chmod(path.c_str(), 0700);
-         [[maybe_unused]] const int ignored = chown(path.c_str(), 12345, 12345);
-       },
+  const fs::path path = root().string() + "-refused";
+  const auto make_open_to = [&](mode_t mode) {
+    return fs::create_directory(path) && chmod(path.c_str(), mode) == 0;
+  };
+  const std::pair<std::function<bool()>, const char*> rows[] = {
+      {[&] { return make_open_to(0750); }, "is open to others (mode 0750)"},
+      {[&] { return static_cast<bool>(std::ofstream{path} << "x"); }, "directory"},
+      {[&] { return symlink("/dev/shm", path.c_str()) == 0; }, "directory"},
+      // Only root can give a directory away.
+      {[&] { return make_open_to(0700) && chown(path.c_str(), 12345, 12345) == 0; },
        "belongs to user 12345"},
   };
-  for (const refusal& row : rows) {
-    SCOPED_TRACE(row.description);
-    const fs::path path = root().string() + "-refused";
+  for (const auto& [prepare, message] : rows) {
+    SCOPED_TRACE(message);
     fs::remove_all(path);
-    row.prepare(path);
-    struct stat status {};
-    if (strcmp(row.description, "someone else's") == 0 &&
-        (stat(path.c_str(), &status) != 0 || status.st_uid != 12345)) {
-      fs::remove_all(path);
-      continue;  // only root can give a directory away
+    if (!prepare()) {
+      EXPECT_STREQ(message, "belongs to user 12345");
+      continue;
     }
     const auto told = orv_test::run({"orvctl", "--store", path, "target"});
     EXPECT_EQ(told.status, 2);
-    EXPECT_THAT(told.err, testing::HasSubstr(row.message));
+    EXPECT_THAT(told.err, testing::HasSubstr(message));
     EXPECT_EQ(std::count(told.err.begin(), told.err.end(), '\n'), 1) << told.err;
     const auto host = orv_test::run({"env", "ORV_PLATFORM_ROOT=" + path.string(), "orv-host"});
     EXPECT_EQ(host.status, 1);
-    EXPECT_THAT(host.err, testing::HasSubstr(row.message));
-    fs::remove_all(path);
+    EXPECT_THAT(host.err, testing::HasSubstr(message));
   }
+  fs::remove_all(path);
 }
 
 }  // namespace

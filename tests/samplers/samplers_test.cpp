@@ -138,17 +138,17 @@ TEST_F(Samplers, FindNothingInWhatIsNoListing) {
 
 TEST_F(Samplers, ReplaceWhatWasPlantedInTheirFilesPlace) {
   std::ofstream{"/tmp/victim"} << "precious";
-  fs::create_symlink("/tmp/victim", lister_file);
-  expect_the_thread();
-  fs::remove(lister_file);
-  fs::create_hard_link("/tmp/victim", lister_file);
-  expect_the_thread();
-  fs::remove(lister_file);
-  mkfifo(lister_file, S_IRWXU);
-  expect_the_thread();
-  fs::remove(lister_file);
-  fs::create_directory(lister_file);
-  expect_the_thread();
+  const std::function<void()> plants[] = {
+      [] { fs::create_symlink("/tmp/victim", lister_file); },
+      [] { fs::create_hard_link("/tmp/victim", lister_file); },
+      [] { mkfifo(lister_file, S_IRWXU); },
+      [] { fs::create_directory(lister_file); },
+  };
+  for (const auto& plant : plants) {
+    fs::remove(lister_file);
+    plant();
+    expect_the_thread();
+  }
   EXPECT_EQ(fs::file_size("/tmp/victim"), 8U);
   EXPECT_EQ(fs::status(lister_file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
