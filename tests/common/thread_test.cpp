@@ -2,30 +2,31 @@
 #include <gmock/gmock.h>
 #include <limits.h>
 #include <orv/thread.h>
+#include <semaphore.h>
 #include <signal.h>
 #include <string.h>
-#include <unistd.h>
+#include <time.h>
 
-#include <atomic>
 #include <string>
 
 #include "agent_probe.h"
 
 namespace {
 
-std::string failing;  // the wrapped call that answers EPERM
+// What the wrapped calls answer with, 0 for the real call.
+struct call_faults {
+  int init = 0;
+  int set_detach_state = 0;
+  int create = 0;
+  int destroy = 0;
+  int cancel = 0;
+};
+call_faults faults;
 int attributes_alive = 0;
-
-// errno is left at something else, as the calls may.
-template <class F, class... P>
-int call(const char* name, F* real, P... arguments) {
-  errno = ENOENT;
-  return failing == name ? EPERM : real(arguments...);
-}
 
 }  // namespace
 
-// The linker gives these their names.
+// The linker gives these their names. errno is left at something else, as the calls may.
 // NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" {
 
@@ -37,23 +38,29 @@ int __real_pthread_attr_destroy(pthread_attr_t* attributes);
 int __real_pthread_cancel(pthread_t thread);
 
 int __wrap_pthread_attr_init(pthread_attr_t* attributes) {
-  const int result = call("init", __real_pthread_attr_init, attributes);
-  attributes_alive += result == 0 ? 1 : 0;
-  return result;
+  errno = ENOENT;
+  attributes_alive += faults.init == 0 ? 1 : 0;
+  return faults.init != 0 ? faults.init : __real_pthread_attr_init(attributes);
 }
 int __wrap_pthread_attr_setdetachstate(pthread_attr_t* attributes, int state) {
-  return call("setdetachstate", __real_pthread_attr_setdetachstate, attributes, state);
+  errno = ENOENT;
+  return faults.set_detach_state != 0 ? faults.set_detach_state
+                                      : __real_pthread_attr_setdetachstate(attributes, state);
 }
 int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
                           void* (*start)(void*), void* argument) {
-  return call("create", __real_pthread_create, thread, attributes, start, argument);
+  errno = ENOENT;
+  return faults.create != 0 ? faults.create
+                            : __real_pthread_create(thread, attributes, start, argument);
 }
 int __wrap_pthread_attr_destroy(pthread_attr_t* attributes) {
   --attributes_alive;
-  return call("destroy", __real_pthread_attr_destroy, attributes);
+  const int result = __real_pthread_attr_destroy(attributes);
+  return faults.destroy != 0 ? faults.destroy : result;
 }
 int __wrap_pthread_cancel(pthread_t thread) {
-  return call("cancel", __real_pthread_cancel, thread);
+  errno = ENOENT;
+  return faults.cancel != 0 ? faults.cancel : __real_pthread_cancel(thread);
 }
 
 }  // extern "C"
@@ -65,31 +72,55 @@ using orv_test::take_messages;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-// Lives until it is cancelled.
-void* live(void* /*unused*/) {
-  while (true) {
-    pause();
-  }
-}
-
 class Thread : public orv_test::AgentTest {
  protected:
   void SetUp() override {
     AgentTest::SetUp();
-    failing.clear();
+    faults = {};
+    sem_init(&gate_.open, 0, 0);
+    sem_init(&gate_.passed, 0, 0);
   }
   void TearDown() override { EXPECT_EQ(attributes_alive, 0); }
 
-  int create(int32_t stack_size_bytes, uint32_t joinable = 1) {
-    return orv_thread_create(&thread_, "lens", 9, joinable, stack_size_bytes, live, nullptr);
+  struct gate {
+    sem_t open;
+    sem_t passed;
+  };
+  // Started so, a thread lives until the gate is opened, or until it is cancelled.
+  static void* live(void* at_gate) {
+    sem_wait(&static_cast<gate*>(at_gate)->open);
+    sem_post(&static_cast<gate*>(at_gate)->passed);
+    return nullptr;
+  }
+  void release() {
+    timespec deadline{};
+    clock_gettime(CLOCK_MONOTONIC, &deadline);
+    deadline.tv_sec += 5;
+    sem_post(&gate_.open);
+    EXPECT_EQ(sem_clockwait(&gate_.passed, CLOCK_MONOTONIC, &deadline), 0);
   }
 
-  pthread_t thread_{};
+  pthread_t start(uint32_t joinable) {
+    pthread_t thread{};
+    EXPECT_EQ(orv_thread_create(&thread, "a", 9, joinable, 0, live, &gate_), 0);
+    take_messages();
+    return thread;
+  }
+  int create(int32_t stack_size_bytes) {
+    pthread_t thread{};
+    return orv_thread_create(&thread, "a", 0, 1, stack_size_bytes, live, &gate_);
+  }
+
+  gate gate_{};
 };
 
 std::string created(const std::string& name, pthread_t thread, unsigned stack_size_bytes) {
   return "I " + name + " Thread created (ID=" + std::to_string(static_cast<unsigned>(thread)) +
          ", stack_size=" + std::to_string(stack_size_bytes) + ") ";
+}
+
+std::string bracketed(pthread_t thread, const std::string& more = "") {
+  return "[" + std::to_string(static_cast<unsigned>(thread)) + more + "] ";
 }
 
 std::string reason(int code) {
@@ -128,81 +159,120 @@ TEST_F(Thread, GetsTheStackThatItsLineShows) {
   }
 }
 
+TEST_F(Thread, CannotBeJoinedWhenDetached) {
+  const pthread_t thread = start(0);
+  EXPECT_EQ(orv_thread_join(thread, nullptr), -1);
+  EXPECT_THAT(take_messages(), ElementsAre("E orv_thread_join():: Thread join failed for thread " +
+                                               bracketed(thread),
+                                           reason(EINVAL)));
+  release();
+}
+
 TEST_F(Thread, IsNotMadeWhenAStepFails) {
+  const auto one_fault = [](int call_faults::*call) {
+    call_faults made;
+    made.*call = EPERM;
+    return made;
+  };
+  const std::string message = "E orv_thread_create():: ";
   const struct {
-    const char* failing;
+    call_faults given;
     int stack_size_bytes;
     std::string line;
     int code;
   } rows[] = {
-      {"init", 0, "Got error from pthread_attr_init ", EPERM},
-      {"", 1, "Got error from pthread_attr_setstacksize ", EINVAL},
-      {"", 16383, "Got error from pthread_attr_setstacksize ", EINVAL},
-      {"setdetachstate", 0, "Got error from pthread_attr_setdetachstate ", EPERM},
-      {"create", 0, "pthread_create() failed ", EPERM},
+      {one_fault(&call_faults::init), 0, message + "Got error from pthread_attr_init ", EPERM},
+      {{}, 1, message + "Got error from pthread_attr_setstacksize ", EINVAL},
+      {{}, 16383, message + "Got error from pthread_attr_setstacksize ", EINVAL},
+      {one_fault(&call_faults::set_detach_state), 0,
+       message + "Got error from pthread_attr_setdetachstate ", EPERM},
+      {one_fault(&call_faults::create), 0, message + "pthread_create() failed ", EPERM},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.line);
-    failing = row.failing;
+    faults = row.given;
     EXPECT_EQ(create(row.stack_size_bytes), -1);
-    EXPECT_THAT(take_messages(),
-                ElementsAre("E orv_thread_create():: " + row.line, reason(row.code)));
+    EXPECT_THAT(take_messages(), ElementsAre(row.line, reason(row.code)));
     EXPECT_EQ(attributes_alive, 0);
   }
-  failing.clear();
   EXPECT_EQ(create(INT_MIN), -1);
+  EXPECT_EQ(take_messages().size(), 2U);
+}
+
+TEST_F(Thread, LivesThoughItsAttributesCannotBeDestroyed) {
+  faults.destroy = EBUSY;
+  pthread_t thread{};
+  ASSERT_EQ(orv_thread_create(&thread, "lens", 0, 1, 0, live, &gate_), 0);
+  EXPECT_THAT(take_messages(),
+              ElementsAre(created("lens", thread, 1048576),
+                          "E orv_thread_create():: pthread attr destroy failed ", reason(EBUSY)));
+  release();
+  EXPECT_EQ(orv_thread_join(thread, nullptr), 0);
+}
+
+TEST_F(Thread, IsRefusedInSilenceWithoutAStartRoutine) {
+  pthread_t thread{};
+  EXPECT_EQ(orv_thread_create(&thread, "a", 0, 1, 1, nullptr, nullptr), -1);
+  EXPECT_THAT(take_messages(), IsEmpty());
+}
+
+TEST_F(Thread, IsCancelledInSilence) {
+  const pthread_t thread = start(1);
+  EXPECT_EQ(orv_thread_cancel(thread), 0);
+  EXPECT_THAT(take_messages(), IsEmpty());
+  void* result = nullptr;
+  EXPECT_EQ(orv_thread_join(thread, &result), 0);
+  EXPECT_EQ(result, PTHREAD_CANCELED);
+}
+
+void* wait_for_signal(void* received) {
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGUSR1);
+  sigwait(&signals, static_cast<int*>(received));
+  return nullptr;
+}
+
+TEST_F(Thread, ReceivesTheSignalInSilence) {
+  sigset_t signals;
+  sigemptyset(&signals);
+  sigaddset(&signals, SIGUSR1);
+  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+  pthread_t thread{};
+  int received = 0;
+  ASSERT_EQ(orv_thread_create(&thread, "a", 0, 1, 0, wait_for_signal, &received), 0);
+  take_messages();
+  EXPECT_EQ(orv_thread_kill(thread, 0), 0);
+  EXPECT_EQ(orv_thread_kill(thread, SIGUSR1), 0);
+  EXPECT_THAT(take_messages(), IsEmpty());
+  EXPECT_EQ(orv_thread_join(thread, nullptr), 0);
+  EXPECT_EQ(received, SIGUSR1);
+}
+
+TEST_F(Thread, ThatCannotBeCancelledOrSignalledIsNamed) {
+  const pthread_t thread = start(1);
+  faults.cancel = ESRCH;
+  EXPECT_EQ(orv_thread_cancel(thread), -1);
+  EXPECT_EQ(orv_thread_kill(thread, 1000), -1);
+  EXPECT_THAT(
+      take_messages(),
+      ElementsAre(
+          "E orv_thread_cancel():: Thread cancel failed for thread " + bracketed(thread),
+          reason(ESRCH),
+          "E orv_thread_kill():: Thread kill failed for thread " + bracketed(thread, ":1000"),
+          reason(EINVAL)));
+  release();
+  EXPECT_EQ(orv_thread_join(thread, nullptr), 0);
+}
+
+TEST_F(Thread, FailuresAreRecordedUnderTheOperation) {
+  EXPECT_EQ(create(1), -1);
   const auto records = orv_test::take_log();
   EXPECT_EQ(records.size(), 2U);
   for (const auto& record : records) {
     EXPECT_EQ(record.file, "orv_thread.cpp");
     EXPECT_EQ(record.function, "orv_thread_create");
   }
-  EXPECT_EQ(orv_thread_create(&thread_, "a", 0, 1, 1, nullptr, nullptr), -1);
-  EXPECT_THAT(take_messages(), IsEmpty()) << "no start routine, no word";
-}
-
-TEST_F(Thread, LivesThoughItsAttributesCannotBeDestroyed) {
-  failing = "destroy";
-  ASSERT_EQ(create(0), 0);
-  EXPECT_THAT(take_messages(),
-              ElementsAre(created("lens", thread_, 1048576),
-                          "E orv_thread_create():: pthread attr destroy failed ", reason(EPERM)));
-  __real_pthread_cancel(thread_);
-  EXPECT_EQ(orv_thread_join(thread_, nullptr), 0);
-}
-
-std::atomic<pthread_t> signalled;
-
-TEST_F(Thread, IsSignalledAndCancelledInSilence) {
-  signal(SIGUSR1, [](int /*number*/) { signalled = pthread_self(); });
-  ASSERT_EQ(create(0), 0);
-  take_messages();
-  EXPECT_EQ(orv_thread_kill(thread_, 0), 0);
-  EXPECT_EQ(orv_thread_kill(thread_, SIGUSR1), 0);
-  EXPECT_TRUE(orv_test::run_until([&] { return signalled == thread_; }));
-  EXPECT_EQ(orv_thread_cancel(thread_), 0);
-  EXPECT_THAT(take_messages(), IsEmpty());
-  void* result = nullptr;
-  EXPECT_EQ(orv_thread_join(thread_, &result), 0);
-  EXPECT_EQ(result, PTHREAD_CANCELED);
-}
-
-TEST_F(Thread, IsNamedWhereAnOperationOnItFails) {
-  ASSERT_EQ(create(0, 0), 0);
-  take_messages();
-  failing = "cancel";
-  EXPECT_EQ(orv_thread_join(thread_, nullptr), -1) << "it is detached";
-  EXPECT_EQ(orv_thread_cancel(thread_), -1);
-  EXPECT_EQ(orv_thread_kill(thread_, 1000), -1);
-  const std::string shown = "[" + std::to_string(static_cast<unsigned>(thread_));
-  EXPECT_THAT(
-      take_messages(),
-      ElementsAre(
-          "E orv_thread_join():: Thread join failed for thread " + shown + "] ", reason(EINVAL),
-          "E orv_thread_cancel():: Thread cancel failed for thread " + shown + "] ", reason(EPERM),
-          "E orv_thread_kill():: Thread kill failed for thread " + shown + ":1000] ",
-          reason(EINVAL)));
-  __real_pthread_cancel(thread_);
 }
 
 }  // namespace

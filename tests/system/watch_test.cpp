@@ -141,22 +141,16 @@ long resident_kib(pid_t process) {
   return 0;
 }
 
-// Instrumented processes start slowly, so that a query may wait in vain, and memory is not the
-// agent's own.
-#if defined(__SANITIZE_ADDRESS__) || defined(ORV_EMULATED)
-constexpr bool instrumented = true;
-#else
-constexpr bool instrumented = false;
-#endif
-
 TEST_F(Watch, RunsAllMonitorsBesideKeysAndQueriesInSteadyMemory) {
+#if defined(__SANITIZE_ADDRESS__) || defined(ORV_EMULATED)
+  GTEST_SKIP() << "instrumented: processes start too slowly, and take memory of their own";
+#endif
   background watch{
       {"sh", "-c", "exec orvctl monitor watch --interval 50 --for 12s --json >" + shown()}};
   const std::string queries = directory_ / "queries";
   const std::string keys = directory_ / "keys";
-  const std::vector<int> answered = instrumented ? std::vector{0, 3} : std::vector{0};
   background asking{[&] {
-    return ask_forever({"orvctl", "--timeout", "30", "heap"}, answered, queries);
+    return ask_forever({"orvctl", "--timeout", "30", "heap"}, {0}, queries);
   }};
   background tapping{[&] {  // there is no display
     return ask_forever({"orvctl", "--timeout", "30", "key", "tap", "KEY_MENU"}, {1, 3}, keys);
@@ -170,9 +164,7 @@ TEST_F(Watch, RunsAllMonitorsBesideKeysAndQueriesInSteadyMemory) {
   asking.signal(SIGKILL);
   tapping.signal(SIGKILL);
   run({"pkill", "-KILL", "-x", "orvctl"});  // the next test's would wait for theirs
-  if (!instrumented) {
-    EXPECT_LT(resident_kib(host_->pid()), resident + 300);
-  }
+  EXPECT_LT(resident_kib(host_->pid()), resident + 300);
   std::map<std::string, int> items;
   std::map<std::string, int64_t> last_tick;
   for (const std::string& line : lines_of(shown())) {
