@@ -9,7 +9,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <list>
+#include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -39,7 +42,12 @@ struct watched_key {
 };
 
 std::list<watched_key> watched_keys;
-int inotify_fd = -1;
+std::atomic<int> inotify_fd{-1};  // set by the main context's thread, once
+
+// A process that was called back writes what others wait for.
+std::atomic<bool> serving{false};
+std::mutex held_guard;
+std::set<std::string, std::less<>> held_keys;
 
 watched_key* find_key(std::string_view key) {
   const auto found = std::find_if(watched_keys.begin(), watched_keys.end(),
@@ -66,6 +74,7 @@ bool still_registered(const std::string& key, vconf_callback_fn callback) {
 
 // Callbacks may register and remove as they like: what runs is a copy, looked up before each call.
 void deliver(std::string key) {
+  serving = true;
   const watched_key* row = find_key(key);
   if (row == nullptr) {
     return;
@@ -79,22 +88,26 @@ void deliver(std::string key) {
   }
 }
 
-std::string absolute_directory(int root, const std::string& key) {
-  return "/proc/self/fd/" + std::to_string(root) + "/" + key;
+int add_watch(int root, std::string_view key, uint32_t mask) {
+  const std::string path = "/proc/self/fd/" + std::to_string(root) + "/" + std::string{key};
+  return inotify_add_watch(inotify_fd, path.c_str(), mask);
+}
+
+int watch_made_directory(int root, const std::string& key) {
+  const int watch = add_watch(root, key, watched_events);
+  return watch == not_watched && make_key_directory(root, key)
+             ? add_watch(root, key, watched_events)
+             : watch;
 }
 
 int watch_directory(const std::string& key) {
-  int root = root_descriptor(true);
-  if (root >= 0 && !make_key_directory(root, key)) {
-    root = root_descriptor(true, true);
-    if (root < 0 || !make_key_directory(root, key)) {
-      return not_watched;
-    }
+  const int root = root_descriptor(true);
+  const int watch = root >= 0 ? watch_made_directory(root, key) : not_watched;
+  if (watch != not_watched || root < 0) {
+    return watch;
   }
-  if (root < 0) {
-    return not_watched;
-  }
-  return inotify_add_watch(inotify_fd, absolute_directory(root, key).c_str(), watched_events);
+  const int fresh_root = root_descriptor(true, true);
+  return fresh_root >= 0 ? watch_made_directory(fresh_root, key) : not_watched;
 }
 
 bool has_value(const std::string& key) {
@@ -121,12 +134,23 @@ gboolean rewatch_lost_keys(gpointer) {
   return all_watched ? G_SOURCE_REMOVE : G_SOURCE_CONTINUE;
 }
 
+void forget_held_keys() {
+  const std::lock_guard lock{held_guard};
+  held_keys.clear();
+}
+
+bool held_already(std::string_view key) {
+  const std::lock_guard lock{held_guard};
+  return held_keys.contains(key) || !held_keys.emplace(key).second;
+}
+
 // Whoever removes the tree may be halfway through it; what cannot be watched now is tried again.
 void lose(watched_key& row, uint32_t mask) {
   if ((mask & IN_MOVE_SELF) != 0) {
     inotify_rm_watch(inotify_fd, row.watch);
   }
   row.watch = not_watched;
+  forget_held_keys();
   if (rewatch_lost_keys(nullptr) == G_SOURCE_CONTINUE) {
     g_timeout_add(rewatch_interval_ms, rewatch_lost_keys, nullptr);
   }
@@ -213,6 +237,12 @@ int add_registration(const char* key, vconf_callback_fn callback, void* user_dat
     row->registrations.push_back({callback, user_data});
   }
   return 0;
+}
+
+void hold_directory(int root, std::string_view key) {
+  if (serving && !held_already(key)) {
+    add_watch(root, key, IN_DELETE_SELF | IN_ONLYDIR | IN_MASK_CREATE);
+  }
 }
 
 int remove_registrations(const char* key, vconf_callback_fn callback) {

@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <errno.h>
 #include <fcntl.h>
+#include <stdint.h>
 #include <stdio.h>
 #include <string.h>
 #include <sys/stat.h>
@@ -12,11 +13,10 @@
 
 #include <atomic>
 #include <mutex>
-#include <string>
-#include <unordered_set>
 
 #include "descriptor.h"
 #include "key_path.h"
+#include "notifier.h"
 #include "platform_root.h"
 #include "vconf.h"
 
@@ -26,6 +26,7 @@ namespace {
 using platform::descriptor;
 
 constexpr time_t stale_after_s = 10;
+constexpr uint32_t writes_per_sweep = 61;
 constexpr int write_attempts = 3;
 constexpr int read_attempts = 100;
 // A value of less fits into a link with its letter.
@@ -73,17 +74,13 @@ void sweep(int root, const char* key) {
   closedir(entries);
 }
 
-// Sweeps before this process's first write of a key.
-void sweep_once(int root, const char* key) {
-  static std::mutex guard;
-  static std::unordered_set<std::string> swept;
-  {
-    const std::lock_guard lock{guard};
-    if (!swept.insert(key).second) {
-      return;
-    }
+// Turns go round the keys that a process writes (the interval is odd, and commands write them in
+// pairs), and begin anywhere: a process that writes a few keys and ends takes its share.
+void sweep_in_turn(int root, const char* key) {
+  static std::atomic<uint32_t> writes{static_cast<uint32_t>(getpid())};
+  if (writes.fetch_add(1, std::memory_order_relaxed) % writes_per_sweep == 0) {
+    sweep(root, key);
   }
-  sweep(root, key);
 }
 
 bool write_whole(int fd, value_type type, std::string_view text) {
@@ -261,8 +258,11 @@ int write_value(const char* key, value_type type, std::string_view text) {
   }
   int root = root_descriptor(true);
   for (int tried = 0; root >= 0 && tried < write_attempts; ++tried) {
-    sweep_once(root, key);
     const attempt outcome = replace_value(root, key, type, text);
+    if (outcome == attempt::done) {
+      sweep_in_turn(root, key);
+      hold_directory(root, key);
+    }
     if (outcome != attempt::no_directory) {
       return outcome == attempt::done ? 0 : VCONF_ERROR_STORE;
     }
