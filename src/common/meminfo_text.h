@@ -6,8 +6,8 @@ struct meminfo_row;
 
 namespace orv {
 
-// Stores the values of the fields that stand in the table, which is sorted by name. The colons of
-// `text` become NUL, so that a text yields its values once.
+// Stores the values of the fields that stand in the table, which is sorted by name, and
+// empties `text`: it yields its values once.
 void take_meminfo(char* text, const meminfo_row* table, int count) noexcept;
 
 }  // namespace orv

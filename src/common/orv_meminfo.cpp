@@ -19,7 +19,7 @@ constexpr char no_proc[] =
     "  In the meantime, run \"mount /proc /proc -t proc\"\n";
 static_assert(sizeof no_proc - 1 == 178);
 
-// Zero at load, and without a colon once it was taken: what is not refilled yields nothing.
+// Empty at load, and once it was taken: what is not refilled yields nothing.
 char summary[2048];
 
 void refill() {
