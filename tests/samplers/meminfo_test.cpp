@@ -61,7 +61,7 @@ TEST(MeminfoText, YieldsTheWantedFieldsAndLeavesTheOthers) {
       {"", {}},
       {"no colon in here\n\n", {}},
       {"MemFree 10 kB\nMemTotal: 11 kB\nCached: 12 kB\n", {1, 12, 3, 4}},  // a colon was lost
-      {"MemTotal: 1\nno colon\nCached: 12\nMemFree:\n 5\nCached: 13: 14\n", {1, 13, 5, 1}},
+      {"MemFree:\n 5\nCached: 6\nBuffers: 7: 8\nBuffers: 9\n", {9, 2, 5, 4}},
       {"Mem:\nMemTotal: 4294967295 kB\n", {1, 2, 3, 4294967295}},
       {"Fifteen_letters: 15\nSixteen__letters: 16\nMemFree: 5 kB\n", {1, 2, 5, 4, 15, 6}},
       {"memfree: 5 kB\nMemFreeX: 6 kB\nMemFre: 7 kB\n MemFree: 8 kB\n", {}},
