@@ -1,5 +1,6 @@
 #include "serving_process.h"
 
+#include <errno.h>
 #include <signal.h>
 #include <spawn.h>
 #include <stdio.h>
@@ -33,6 +34,22 @@ shared_counters* map_counters(int fd) {
   return static_cast<shared_counters*>(memory);
 }
 
+// In a group of its own: an agent starts a log reader, which outlives it.
+pid_t start(const char* const* arguments) {
+  posix_spawnattr_t attributes;
+  posix_spawnattr_init(&attributes);
+  posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
+  pid_t child = -1;
+  const int error = posix_spawn(&child, "/proc/self/exe", nullptr, &attributes,
+                                const_cast<char**>(arguments), environ);
+  posix_spawnattr_destroy(&attributes);
+  if (error != 0) {
+    errno = error;
+    give_up("orv-bench: posix_spawn");
+  }
+  return child;
+}
+
 }  // namespace
 
 serving_process::serving_process(const std::string& role, const std::string& argument)
@@ -45,10 +62,7 @@ serving_process::serving_process(const std::string& role, const std::string& arg
   const std::string fd_text = std::to_string(fd);
   const char* arguments[] = {"orv-bench",     role_option,      role.c_str(),
                              fd_text.c_str(), argument.c_str(), nullptr};
-  if (posix_spawn(&pid_, "/proc/self/exe", nullptr, nullptr, const_cast<char**>(arguments),
-                  environ) != 0) {
-    give_up("orv-bench: posix_spawn");
-  }
+  pid_ = start(arguments);
   close(fd);
   const auto deadline = std::chrono::steady_clock::now() + start_deadline;
   while (counters_->ready == 0) {
@@ -61,7 +75,7 @@ serving_process::serving_process(const std::string& role, const std::string& arg
 }
 
 serving_process::~serving_process() {
-  kill(pid_, SIGKILL);
+  kill(-pid_, SIGKILL);
   waitpid(pid_, nullptr, 0);
   munmap(counters_, sizeof *counters_);
 }
