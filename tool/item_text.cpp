@@ -1,5 +1,6 @@
 #include "item_text.h"
 
+#include <orv/protocol.h>
 #include <stdarg.h>
 #include <stdio.h>
 
@@ -17,8 +18,11 @@ struct state_row {
   int code;
   const char* name;
 };
-constexpr state_row states[] = {{2, "sleeping"}, {9, "running"}, {6, "waiting"},
-                                {17, "zombie"},  {8, "stopped"}, {16, "paging"}};
+constexpr state_row states[] = {
+    {ORV_STATE_SLEEPING, "sleeping"}, {ORV_STATE_RUNNING, "running"},
+    {ORV_STATE_WAITING, "waiting"},   {ORV_STATE_ZOMBIE, "zombie"},
+    {ORV_STATE_STOPPED, "stopped"},   {ORV_STATE_PAGING, "paging"},
+};
 
 const char* name_of(const packet_item& item) {
   constexpr const char* names[] = {"cpu", "heap", "stack"};  // as the variant's alternatives

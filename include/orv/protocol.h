@@ -61,6 +61,16 @@ enum { ORV_MONITOR_STOP = 0, ORV_MONITOR_START = 1 };
 /* Item codes in a monitor packet. The stack item's code is not the stack monitor's type. */
 enum { ORV_ITEM_CPU = 1, ORV_ITEM_HEAP = 2, ORV_ITEM_STACK = 3 };
 
+/* A thread's state in a stack item; 0 stands for any other. */
+enum {
+  ORV_STATE_SLEEPING = 2,
+  ORV_STATE_WAITING = 6, /* and not to be interrupted */
+  ORV_STATE_STOPPED = 8,
+  ORV_STATE_RUNNING = 9,
+  ORV_STATE_PAGING = 16,
+  ORV_STATE_ZOMBIE = 17
+};
+
 /* How often the monitors with an interval of their own tick, in milliseconds. */
 enum { ORV_HEAP_MONITOR_INTERVAL_MS = 1000, ORV_STACK_MONITOR_INTERVAL_MS = 2000 };
 

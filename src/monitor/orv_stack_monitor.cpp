@@ -18,7 +18,10 @@ constexpr size_t thread_list_size = 4096;
 constexpr struct {
   char letter;
   int code;
-} state_codes[] = {{'S', 2}, {'R', 9}, {'D', 6}, {'Z', 17}, {'T', 8}, {'W', 16}};
+} state_codes[] = {
+    {'S', ORV_STATE_SLEEPING}, {'R', ORV_STATE_RUNNING}, {'D', ORV_STATE_WAITING},
+    {'Z', ORV_STATE_ZOMBIE},   {'T', ORV_STATE_STOPPED}, {'W', ORV_STATE_PAGING},
+};
 
 int code_of(const char* state) {
   for (const auto& row : state_codes) {
