@@ -20,11 +20,12 @@ bool inject(context& shared, const std::string& what, const command& sent) {
     return true;
   }
   fflush(stdout);
+  const bool touched = sent.parameters.front() == ORV_EVENT_TOUCH;
   fprintf(stderr,
           "orvctl: %s: the agent answered %d: the camera application is gone, /sdcard has more "
-          "entries than at first, the X display is out of reach, the agent does not know the "
-          "name, or an earlier failure was not cleared yet, which this command did\n",
-          what.c_str(), answered->result);
+          "entries than at first, the X display is out of reach, %sor an earlier failure was not "
+          "cleared yet, which this command did\n",
+          what.c_str(), answered->result, touched ? "" : "the agent does not know the name, ");
   return true;
 }
 

@@ -95,7 +95,7 @@ std::string check_key(const std::string& text) {
   const std::string_view meant = nearest(upper_case(text));
   return "no key \"" + text + "\"; " +
          (meant.empty() ? "orvctl key --list names them all"
-                        : "did you mean " + std::string{meant} + "?");
+                        : "the nearest is " + std::string{meant});
 }
 
 }  // namespace orvctl

@@ -188,7 +188,7 @@ TEST(Tool, TellsWrongUsageInOneLine) {
       {{"orvctl", "send", "0x1ffffffff"}, "no command"},
       {{"orvctl", "send", "1", "2", "3", "4", "5", "6"}, "At Most 4"},
       {{"orvctl", "send", "1", "x"}, "no 32-bit number"},
-      {{"orvctl", "key", "tap", "KEY_MNEU"}, "no key \"KEY_MNEU\"; did you mean KEY_MENU?"},
+      {{"orvctl", "key", "tap", "KEY_MNEU"}, "no key \"KEY_MNEU\"; the nearest is KEY_MENU"},
       {{"orvctl", "key", "press", "sw"}, "\"sw\" may be KEY_SW1, KEY_SW2"},
       {{"orvctl", "key", "release", "zzzz"}, "orvctl key --list names them all"},
       {{"orvctl", "touch", "tap", "400"}, "Y is required"},

@@ -54,7 +54,7 @@ TEST(KeyNames, AreSuggestedForTheirMisspellings) {
   for (const auto& [text, name] : rows) {
     SCOPED_TRACE(text);
     EXPECT_THAT(keys_like(text), testing::IsEmpty());
-    EXPECT_EQ(check_key(text), "no key \"" + std::string{text} + "\"; did you mean " + name + "?");
+    EXPECT_EQ(check_key(text), "no key \"" + std::string{text} + "\"; the nearest is " + name);
   }
 }
 
