@@ -1,6 +1,7 @@
 #include <stdio.h>
 
 #include "command_names.h"
+#include "printable.h"
 #include "subcommand.h"
 
 #include <orv/protocol.h>
@@ -72,6 +73,11 @@ std::optional<answer> ask(context& shared, const command& sent) {
   }
   shared.status = answered.result == ORV_RESULT_OK ? status_success : status_failure;
   return std::move(outcome.answered);
+}
+
+void refuse_answer(context& shared, const char* what, const std::string& text) {
+  fprintf(stderr, "orvctl: the agent's answer is no %s: %s\n", what, printable(text).c_str());
+  shared.status = status_failure;
 }
 
 }  // namespace orvctl

@@ -2,6 +2,7 @@
 
 #include <stdio.h>
 
+#include <CLI/CLI.hpp>
 #include <memory>
 #include <nlohmann/json.hpp>
 
@@ -31,9 +32,7 @@ void run(context& shared, bool json) {
   }
   const auto found = parse_heap(*answered->text);
   if (!found) {
-    fprintf(stderr, "orvctl: the agent's answer is no memory summary: %s\n",
-            answered->text->c_str());
-    shared.status = status_failure;
+    refuse_answer(shared, "memory summary", *answered->text);
     return;
   }
   json ? print_json(*found) : print_table(*found);

@@ -1,6 +1,7 @@
 #include <orv/protocol.h>
 #include <stdio.h>
 
+#include <CLI/CLI.hpp>
 #include <memory>
 
 #include "injection.h"

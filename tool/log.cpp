@@ -3,6 +3,7 @@
 #include <string.h>
 #include <unistd.h>
 
+#include <CLI/CLI.hpp>
 #include <memory>
 
 #include "subcommand.h"

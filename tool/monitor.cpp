@@ -1,5 +1,6 @@
 #include <stdio.h>
 
+#include <CLI/CLI.hpp>
 #include <limits>
 #include <memory>
 

@@ -1,6 +1,7 @@
 #include <signal.h>
 #include <stdio.h>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 

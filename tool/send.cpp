@@ -1,10 +1,13 @@
 #include <stdio.h>
+#include <unistd.h>
 
+#include <CLI/CLI.hpp>
 #include <memory>
 #include <vector>
 
 #include "command_names.h"
 #include "numbers.h"
+#include "printable.h"
 #include "subcommand.h"
 
 namespace orvctl {
@@ -32,7 +35,8 @@ void run(context& shared, const options& given) {
   if (const auto answered = ask(shared, sent)) {
     printf("result %d\n", answered->result);
     if (answered->text) {
-      printf("data   %s\n", answered->text->c_str());
+      const bool on_terminal = isatty(STDOUT_FILENO) != 0;
+      printf("data   %s\n", (on_terminal ? printable(*answered->text) : *answered->text).c_str());
     }
   }
 }

@@ -1,5 +1,6 @@
 #include <stdio.h>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <map>
 #include <memory>
@@ -81,8 +82,7 @@ void run(context& shared, const options& given) {
   }
   auto list = parse_thread_list(*answered->text);
   if (!list) {
-    fprintf(stderr, "orvctl: the agent's answer is no thread list: %s\n", answered->text->c_str());
-    shared.status = status_failure;
+    refuse_answer(shared, "thread list", *answered->text);
     return;
   }
   sort_threads(list->threads, sort_names.at(given.sort));

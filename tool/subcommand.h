@@ -3,12 +3,15 @@
 #ifndef ORV_TOOL_SUBCOMMAND_H
 #define ORV_TOOL_SUBCOMMAND_H
 
-#include <CLI/CLI.hpp>
 #include <chrono>
 #include <optional>
 #include <string>
 
 #include "exchange.h"
+
+namespace CLI {
+class App;
+}
 
 namespace orvctl {
 
@@ -39,6 +42,9 @@ void add_monitor_watch(CLI::App& app, CLI::App& monitor, context& shared);
 // Runs the exchange; a failure is told on standard error and becomes the exit status. With an
 // answer, the exit status is the answer's.
 std::optional<answer> ask(context& shared, const command& sent);
+
+// Tells that an answer's text is no `what`; the exit status becomes failure.
+void refuse_answer(context& shared, const char* what, const std::string& text);
 
 // What `ask` is made of, for who asks more than one thing: each tells a failure on standard error;
 // the first sets the exit status, the second returns it.

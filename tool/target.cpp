@@ -2,10 +2,13 @@
 
 #include <stdio.h>
 
+#include <CLI/CLI.hpp>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "numbers.h"
+#include "printable.h"
 #include "subcommand.h"
 
 #include <orv/protocol.h>
@@ -34,14 +37,15 @@ std::optional<std::string_view> take_last(std::string_view& text) {
 }
 
 void print_table(const target& found) {
-  printf("category    %s\n", found.category.c_str());
-  printf("platform    %s\n", found.platform.c_str());
-  printf("model       %s\n", found.model.c_str());
-  printf("board       %s\n", found.board.c_str());
-  printf("firmware    %s\n", found.firmware.c_str());
-  printf("byte order  %s\n", hexadecimal(found.byte_order).c_str());
-  printf("build       %s\n", found.build_type.c_str());
-  printf("cis_no      %d\n", found.cis_no);
+  const std::pair<const char*, std::string> rows[] = {
+      {"category", found.category}, {"platform", found.platform},
+      {"model", found.model},       {"board", found.board},
+      {"firmware", found.firmware}, {"byte order", hexadecimal(found.byte_order)},
+      {"build", found.build_type},  {"cis_no", std::to_string(found.cis_no)},
+  };
+  for (const auto& [name, value] : rows) {
+    printf("%-10s  %s\n", name, printable(value).c_str());
+  }
 }
 
 void print_json(const target& found) {
@@ -60,9 +64,7 @@ void run(context& shared, bool json) {
   }
   const auto found = parse_target(*answered->text);
   if (!found) {
-    fprintf(stderr, "orvctl: the agent's answer is no target identity: %s\n",
-            answered->text->c_str());
-    shared.status = status_failure;
+    refuse_answer(shared, "target identity", *answered->text);
     return;
   }
   json ? print_json(*found) : print_table(*found);

@@ -1,5 +1,6 @@
 #include <orv/protocol.h>
 
+#include <CLI/CLI.hpp>
 #include <functional>
 #include <initializer_list>
 #include <memory>
