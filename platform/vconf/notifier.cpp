@@ -9,9 +9,7 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <atomic>
 #include <list>
-#include <mutex>
 #include <set>
 #include <string>
 #include <vector>
@@ -42,11 +40,10 @@ struct watched_key {
 };
 
 std::list<watched_key> watched_keys;
-std::atomic<int> inotify_fd{-1};  // set by the main context's thread, once
+int inotify_fd = -1;
 
-// A process that was called back writes what others wait for.
-std::atomic<bool> serving{false};
-std::mutex held_guard;
+// While a callback runs, a write is an answer: someone may wait for it.
+thread_local bool delivering = false;
 std::set<std::string, std::less<>> held_keys;
 
 watched_key* find_key(std::string_view key) {
@@ -74,7 +71,6 @@ bool still_registered(const std::string& key, vconf_callback_fn callback) {
 
 // Callbacks may register and remove as they like: what runs is a copy, looked up before each call.
 void deliver(std::string key) {
-  serving = true;
   const watched_key* row = find_key(key);
   if (row == nullptr) {
     return;
@@ -83,7 +79,9 @@ void deliver(std::string key) {
   for (const registration& one : callbacks) {
     if (still_registered(key, one.callback)) {
       vconf_keynode node{key.data()};
+      delivering = true;
       one.callback(&node, one.user_data);
+      delivering = false;
     }
   }
 }
@@ -134,23 +132,13 @@ gboolean rewatch_lost_keys(gpointer) {
   return all_watched ? G_SOURCE_REMOVE : G_SOURCE_CONTINUE;
 }
 
-void forget_held_keys() {
-  const std::lock_guard lock{held_guard};
-  held_keys.clear();
-}
-
-bool held_already(std::string_view key) {
-  const std::lock_guard lock{held_guard};
-  return held_keys.contains(key) || !held_keys.emplace(key).second;
-}
-
 // Whoever removes the tree may be halfway through it; what cannot be watched now is tried again.
 void lose(watched_key& row, uint32_t mask) {
   if ((mask & IN_MOVE_SELF) != 0) {
     inotify_rm_watch(inotify_fd, row.watch);
   }
   row.watch = not_watched;
-  forget_held_keys();
+  held_keys.clear();
   if (rewatch_lost_keys(nullptr) == G_SOURCE_CONTINUE) {
     g_timeout_add(rewatch_interval_ms, rewatch_lost_keys, nullptr);
   }
@@ -240,7 +228,8 @@ int add_registration(const char* key, vconf_callback_fn callback, void* user_dat
 }
 
 void hold_directory(int root, std::string_view key) {
-  if (serving && !held_already(key)) {
+  if (delivering && !held_keys.contains(key)) {
+    held_keys.emplace(key);
     add_watch(root, key, IN_DELETE_SELF | IN_ONLYDIR | IN_MASK_CREATE);
   }
 }

@@ -1,6 +1,6 @@
 // Watching keys: who is called for which, and the inotify source on the default main context.
 //
-// Every function but hold_directory runs on the main context's thread.
+// Every function but hold_directory runs on the main context's thread only.
 #ifndef ORV_VCONF_NOTIFIER_H
 #define ORV_VCONF_NOTIFIER_H
 
@@ -18,10 +18,10 @@ namespace vconf {
 int add_registration(const char* key, vconf_callback_fn callback, void* user_data);
 int remove_registrations(const char* key, vconf_callback_fn callback);
 
-// In a process that was called back: keeps a mark that no write triggers on a directory that it
-// wrote. Where the last mark of a directory goes with a process, as with a test tool that waited
-// for an answer, the kernel has that process wait before it ends: 7 ms a call of the tool in place
-// of 2.4 (Linux 6.18). From any thread.
+// Within a callback, keeps a mark that no write triggers on the directory of a key that it wrote;
+// elsewhere, and on other threads, does nothing. Where the last mark of a directory goes with a
+// process, as with a test tool that waited for an answer, the kernel has that process wait before
+// it ends: 7 ms a call of the tool in place of 2.4 (Linux 6.18).
 void hold_directory(int root, std::string_view key);
 
 }  // namespace vconf

@@ -187,22 +187,27 @@ std::vector<std::string> marks_on(const fs::path& directory) {
   return marks;
 }
 
+void answer_request(keynode_t* /*node*/, void* /*user_data*/) {
+  vconf_set_int("memory/answer", 1);
+}
+
 TEST_F(Store, HoldsWhatItAnswersSoThatNoReadersEndWaits) {
-  const counter asked{"memory/asked"};
-  vconf_set_int("memory/asked", 1);
-  ASSERT_TRUE(asked.reaches(1));
+  ASSERT_EQ(vconf_notify_key_changed("memory/request", answer_request, nullptr), 0);
+  const counter requests{"memory/request"};
   for (const char* removed : {"memory/none", "memory"}) {
     SCOPED_TRACE(removed);
     fs::remove_all(root() / removed);
-    run_until([] { return false; }, 50);
-    vconf_set_int("memory/answered", 1);
+    const int before = requests.seen();
+    vconf_set_int("memory/request", 1);
+    ASSERT_TRUE(requests.reaches(before + 1));
     // Of the directory's own end, so that no write wakes this process.
-    EXPECT_THAT(marks_on(root() / "memory/answered"),
+    EXPECT_THAT(marks_on(root() / "memory/answer"),
                 testing::ElementsAre(testing::HasSubstr(" mask:400 ")));
   }
-  const counter answered{"memory/answered"};
-  vconf_set_int("memory/answered", 2);
-  EXPECT_TRUE(answered.reaches(1));
+  vconf_ignore_key_changed("memory/request", answer_request);
+  const counter answers{"memory/answer"};
+  vconf_set_int("memory/answer", 2);
+  EXPECT_TRUE(answers.reaches(1));
 }
 
 TEST_F(Store, EndsADeliveryWhenACallbackRemovesItself) {
