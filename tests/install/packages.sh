@@ -53,9 +53,14 @@ for page in tree/usr/share/man/man?/*; do
   expect "warnings of $page" '' "$warnings"
 done
 man -l -E ascii -P cat tree/usr/share/man/man1/orvctl.1.gz >orvctl.txt
-for subcommand in $(tree/usr/bin/orvctl --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z]\S*\).*/\1/p'); do
+for subcommand in $(tree/usr/bin/orvctl --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z]\S*\).*/\1/p') \
+  'monitor watch'; do
   grep -q "^   orvctl $subcommand " orvctl.txt || fail "the manual page lacks $subcommand"
+  for option in $(tree/usr/bin/orvctl $subcommand --help | sed -nE 's/^  (-.,)?(--[a-z]+).*/\2/p'); do
+    grep -qE "^       (-., )?$option( |$)" orvctl.txt || fail "the manual page lacks $option"
+  done
 done
+grep -q '^              Default: 250\.$' orvctl.txt || fail 'the manual page lacks a default'
 
 # The verifier looks for programs in the machine's own directories, where orv-host is not.
 if type -P systemd-analyze >/dev/null; then
