@@ -4,7 +4,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <set>
 
 #include "emulation.h"
 #include "process.h"
@@ -68,27 +67,6 @@ TEST_F(Application, TakesInEveryKeyOfAFastBurst) {
   EXPECT_EQ(awaited_input(reader_, all), all);
 }
 
-TEST_F(Application, ReceivesKeysThatAnotherClientHasGrabbed) {
-  const screen_reader rival;
-  rival.grab_keyboard();
-  reader_.key(104, true);
-  reader_.key(104, false);
-  const std::string seen = "events 2\nkey KEY_OK up\nheld\ntouch none\n";
-  EXPECT_EQ(awaited_input(reader_, seen), seen);
-}
-
-// The rival sees the server repeat the key, the application must not take that for presses.
-TEST_F(Application, CountsAKeyHeldDownOnce) {
-  const screen_reader rival;
-  rival.grab_keyboard();
-  reader_.key(80, true);
-  int presses = 0;
-  EXPECT_TRUE(comes_true([&] { return (presses += rival.take_key_presses()) >= 3; }));
-  reader_.key(80, false);
-  const std::string once = "events 2\nkey KEY_UP up\nheld\ntouch none\n";
-  EXPECT_EQ(awaited_input(reader_, once), once);
-}
-
 TEST_F(Application, FollowsATouchFromPressToRelease) {
   reader_.touch_at(300, 330, true);
   reader_.move_to(500, 330);
@@ -108,16 +86,6 @@ TEST_F(Application, LightsAKeyWhileItIsHeld) {
   reader_.key(133, false);
   EXPECT_TRUE(comes_true([&] { return reader_.pixel(x, y) != amber_rgb; }));
   EXPECT_NE(reader_.pixel(x, y), dark) << "the last key is no longer listed";
-}
-
-TEST_F(Application, MovesItsClockBySeconds) {
-  const auto clock_row = [&] {
-    std::set<std::pair<int, unsigned long>> row;
-    for (int x = 350; x < 450; x++) row.emplace(x, reader_.pixel(x, 24));
-    return row;
-  };
-  const auto first = clock_row();
-  EXPECT_TRUE(comes_true([&] { return clock_row() != first; }));
 }
 
 TEST(ApplicationStart, ShowsKeysThatAreHeldAlready) {
