@@ -46,19 +46,7 @@ test_stdin_and_arguments_reach_the_command_unchanged() {
 }
 
 test_all_ends_when_the_runner_is_ended_by_a_signal() {
-  local signal runner namespace
-  for signal in TERM INT KILL; do
-    unique_sleep
-    # A job in the background would ignore SIGINT, and hand that on.
-    env --default-signal=INT "$camera" --no-app -- sleep "$sleep_seconds" 2>/dev/null &
-    runner=$!
-    wait_until is_running "sleep $sleep_seconds"
-    namespace=$(readlink "/proc/$(pgrep -fx "sleep $sleep_seconds")/ns/pid")
-    kill -s "$signal" "$runner"
-    wait "$runner" 2>/dev/null
-    expect_equal "$?" "$((128 + $(kill -l "$signal")))"
-    wait_until namespace_is_empty "$namespace"
-  done
+  expect_end_by_signals namespace_is_empty
 }
 
 # The agent looks for the application by name among all processes, dead ones included. A
