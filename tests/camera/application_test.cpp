@@ -78,16 +78,6 @@ TEST_F(Application, FollowsATouchFromPressToRelease) {
   EXPECT_TRUE(comes_true([&] { return reader_.pixel(400, 330) == amber_rgb; })) << "no trail";
 }
 
-TEST_F(Application, LightsAKeyWhileItIsHeld) {
-  constexpr int x = 200, y = 77;  // in the list of keys, beside the newest one's name
-  const unsigned long dark = reader_.pixel(x, y);
-  reader_.key(133, true);
-  EXPECT_TRUE(comes_true([&] { return reader_.pixel(x, y) == amber_rgb; }));
-  reader_.key(133, false);
-  EXPECT_TRUE(comes_true([&] { return reader_.pixel(x, y) != amber_rgb; }));
-  EXPECT_NE(reader_.pixel(x, y), dark) << "the last key is no longer listed";
-}
-
 TEST(ApplicationStart, ShowsKeysThatAreHeldAlready) {
   const screen_reader reader;
   reader.key(134, true);

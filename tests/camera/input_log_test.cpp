@@ -17,20 +17,6 @@ TEST(InputLog, IgnoresRepeatsAndWhatCannotBe) {
   EXPECT_EQ(describe(log), "events 2\nkey KEY_UP up\nheld\ntouch none\n");
 }
 
-TEST(InputLog, CountsOneKeyPressedAgainAndAgainAndForgetsTheOldest) {
-  input_log log;
-  for (int tap = 0; tap < 3; tap++) {
-    press_key(log, 80);
-    release_key(log, 80);
-  }
-  ASSERT_EQ(log.recent.size(), 1U);
-  EXPECT_EQ(log.recent[0].presses, 3);
-  for (int keycode = 100; keycode < 110; keycode++) press_key(log, keycode);
-  ASSERT_EQ(log.recent.size(), max_recent_keys);
-  EXPECT_EQ(log.recent.front().keycode, 109);
-  EXPECT_EQ(log.recent.back().keycode, 102);
-}
-
 TEST(InputLog, KeepsBothEndsOfADragOfAnyLength) {
   input_log log;
   press_touch(log, {0, 0});
