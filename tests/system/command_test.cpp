@@ -124,14 +124,6 @@ TEST_F(Camera, TellsWhatAFailedInjectionMayMean) {
   EXPECT_EQ(number_at(VCONFKEY_ORV_COMMAND_PARAM4), 250);
 }
 
-TEST_F(Camera, IsMissedByATool) {
-  end_host();
-  const outcome told = run({"orvctl", "--timeout", "0.1", "target"});
-  EXPECT_EQ(told.status, 3);
-  EXPECT_THAT(told.err, HasSubstr("is a host running?"));
-  EXPECT_EQ(one_line(told), 1);
-}
-
 TEST(Tool, ListsTheCamerasKeys) {
   EXPECT_THAT(run({"orvctl", "key", "--list"}).out, testing::ContainsRegex("\nKEY_MENU +135\n"));
 }
