@@ -65,7 +65,8 @@ void print_numbered(const char* tag, int number) {
 
 bool is_whole(const std::string& line) {
   const size_t start = line.rfind(": ") + 2;
-  return line.substr(start) == numbered(atoi(line.c_str() + start));
+  const long number = strtol(line.c_str() + start, nullptr, 10);
+  return line.substr(start) == numbered(static_cast<int>(number));
 }
 
 TEST(Log, LosesNothingOfSeveralWritersWhileItHasRoom) {
