@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <fstream>
 
-#include "emulation.h"
 #include "process.h"
 #include "screen_reader.h"
 #include "x_server.h"
@@ -86,46 +85,10 @@ TEST(ApplicationStart, ShowsKeysThatAreHeldAlready) {
   reader.key(134, false);
 }
 
-struct seen_thread {
-  std::string name;
-  char state;
-};
-
-std::vector<seen_thread> threads_of(int pid) {
-  std::vector<seen_thread> threads;
-  for (const auto& task :
-       std::filesystem::directory_iterator("/proc/" + std::to_string(pid) + "/task")) {
-    std::string line;
-    std::getline(std::ifstream{task.path() / "stat"}, line);
-    const auto open = line.find('('), close = line.rfind(')');
-    threads.push_back({line.substr(open + 1, close - open - 1), line[close + 2]});
-  }
-  return threads;
-}
-
-TEST(ApplicationThreads, WaitOrRunExceptTheOneToldToHang) {
-  ORV_SKIP_WHEN_EMULATED("no wait is uninterruptible, and the emulator has a thread of its own");
-  const application started{"--hang-thread 'Shutter Assert '"};
-  const auto hanging = [&] {
-    std::string names;
-    for (const auto& [name, state] : threads_of(started.pid()))
-      if (state != 'R' && state != 'S') names += name + ":" + state + ";";
-    return names;
-  };
-  EXPECT_TRUE(comes_true([&] { return hanging() == "Shutter Assert :D;"; })) << hanging();
-  EXPECT_EQ(threads_of(started.pid()).size(), 55U);
-}
-
 // The second process that holds the thread in its wait must not pass for the application.
 TEST(ApplicationThreads, HangingOneEndsWithTheApplicationAndIsNoSecondOne) {
   const auto processes_like = [](const std::string& text) {
-    int count = 0;
-    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-      std::string name;
-      std::getline(std::ifstream{entry.path() / "comm"}, name);
-      if (name.find(text) != std::string::npos) count++;
-    }
-    return count;
+    return std::stoi(orv_test::run({"pgrep", "-c", text}).out);
   };
   {
     const application started{"--hang-thread lumen-ui-host-n"};
