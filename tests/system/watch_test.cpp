@@ -118,13 +118,7 @@ TEST_F(Watch, LosesNoItemAndShowsNoneTwiceWhileOthersCommandAndAsk) {
 }
 
 long resident_kib(pid_t process) {
-  std::ifstream status{"/proc/" + std::to_string(process) + "/status"};
-  for (std::string line; std::getline(status, line);) {
-    if (line.starts_with("VmRSS:")) {
-      return std::stol(line.substr(6));
-    }
-  }
-  return 0;
+  return std::stol(run({"ps", "-o", "rss=", "-p", std::to_string(process)}).out);
 }
 
 TEST_F(Watch, RunsAllMonitorsBesideKeysAndQueriesInSteadyMemory) {
