@@ -5,19 +5,14 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
-#include <chrono>
-#include <csignal>
 #include <cstdint>
 #include <fstream>
-#include <functional>
 #include <future>
 #include <map>
 #include <sstream>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "emulation.h"
 #include "shell.h"
@@ -27,14 +22,6 @@ namespace {
 struct range {
   std::uint64_t start;
   std::uint64_t end;
-
-  bool holds(std::uint64_t address) const { return start <= address && address < end; }
-  std::string in_8_digits() const {
-    std::array<char, 32> text{};
-    snprintf(text.data(), text.size(), "%08x-%08x\n", static_cast<std::uint32_t>(start),
-             static_cast<std::uint32_t>(end));
-    return text.data();
-  }
 };
 
 range mapping_that_holds(std::uint64_t address) {
@@ -43,7 +30,7 @@ range mapping_that_holds(std::uint64_t address) {
   for (std::string line; std::getline(maps, line);) {
     char hyphen = 0;
     std::istringstream{line} >> std::hex >> found.start >> hyphen >> found.end;
-    if (found.holds(address)) return found;
+    if (found.start <= address && address < found.end) return found;
   }
   return {};
 }
@@ -74,97 +61,38 @@ std::map<pid_t, shown_thread> listed_threads() {
   return threads;
 }
 
-// Two threads that wait and two that never do, beside the first one.
-class Stacks : public testing::Test {
- protected:
-  void SetUp() override {
-    ORV_SKIP_WHEN_EMULATED("the kernel sees the emulator's stacks");
-    prctl(PR_SET_PTRACER, PR_SET_PTRACER_ANY);  // where a child may not look at its parent
-    for (int i = 0; i < 2; ++i) {
-      waiting_.push_back(start([this] { is_ending_.wait(false); }));
-      spinning_.push_back(start([this] { spin(); }));
-    }
-  }
-
-  void TearDown() override {
-    is_ending_ = true;
-    is_ending_.notify_all();
-    for (auto& thread : threads_) thread.join();
-  }
-
-  void spin() {
-    while (!is_ending_) continue;
-  }
-
-  pid_t start(const std::function<void()>& work) {
-    std::promise<pid_t> tid;
-    threads_.emplace_back([this, &tid, work] {
-      const pid_t own = gettid();
-      frames_[own] = own_frame();
-      tid.set_value(own);
-      work();
-    });
-    return tid.get_future().get();
-  }
-
-  std::map<pid_t, std::uint64_t> frames_{{getpid(), own_frame()}};
-  std::vector<pid_t> waiting_, spinning_;
-  std::vector<std::thread> threads_;
-  std::atomic<bool> is_ending_ = false;
-};
-
-std::map<pid_t, shown_thread> listed_when_waiting(const std::vector<pid_t>& tids) {
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds{20};
-  auto listed = listed_threads();
-  const auto waits = [&](pid_t tid) { return listed[tid].name_and_state.ends_with(" S"); };
-  while (!std::all_of(tids.begin(), tids.end(), waits)) {
-    if (std::chrono::steady_clock::now() > deadline) return {};
-    listed = listed_threads();
-  }
-  return listed;
-}
-
 }  // namespace
 
-TEST_F(Stacks, OfThreadsThatWaitAreShownWithTheRealStackPointer) {
-  const auto listed = listed_when_waiting(waiting_);
-  ASSERT_FALSE(listed.empty());
-  for (const pid_t tid : waiting_) {
-    // The thread waits some calls below the frame that it told of.
-    const auto frame = static_cast<std::uint32_t>(frames_[tid]);
-    EXPECT_LT(frame - listed.at(tid).esp, 0x4000U);
-  }
-}
-
-TEST_F(Stacks, OfThreadsThatRunAreShownWithAnAddressInTheirOwnStack) {
-  const pid_t process = fork();  // its one thread is a first one, and its stack a copy of ours
-  if (process == 0) {
+TEST(Stacks, OfThreadsThatRunAreShownWithAnAddressInTheirOwnStack) {
+  ORV_SKIP_WHEN_EMULATED("the kernel sees the emulator's stacks");
+  prctl(PR_SET_PTRACER, PR_SET_PTRACER_ANY);  // where a child may not look at its parent
+  std::atomic<bool> is_ending = false;
+  const auto spin = [&is_ending] {
+    while (!is_ending) continue;
+  };
+  std::map<pid_t, std::uint64_t> frames;
+  std::promise<void> started;
+  std::thread spinning{[&] {
+    frames[gettid()] = own_frame();
+    started.set_value();
+    spin();
+  }};
+  started.get_future().wait();
+  // Its one thread is a first one, and its stack a copy of ours.
+  const orv_test::background process{[&] {
     alarm(60);  // its end, should the test not come to kill it
     spin();
-    _exit(0);
+    return 0;
+  }};
+  frames[process.pid()] = own_frame();
+  auto listed = listed_threads();
+  for (const auto& [tid, frame] : frames) {
+    const range stack = mapping_that_holds(frame);
+    EXPECT_LT(listed[tid].esp - static_cast<std::uint32_t>(stack.start), stack.end - stack.start);
+    EXPECT_TRUE(listed[tid].name_and_state.ends_with(" R"));
   }
-  ASSERT_GT(process, 0);
-  spinning_.push_back(process);
-  frames_[process] = own_frame();
-  const auto listed = listed_threads();
-  kill(process, SIGKILL);
-  waitpid(process, nullptr, 0);
-  for (const pid_t tid : spinning_) {
-    const range stack = mapping_that_holds(frames_[tid]);
-    EXPECT_LT(listed.at(tid).esp - static_cast<std::uint32_t>(stack.start),
-              stack.end - stack.start);
-    EXPECT_TRUE(listed.at(tid).name_and_state.ends_with(" R"));
-  }
-}
-
-TEST_F(Stacks, AreTheOnlyMarkedMappingInTheirThreadsMapsFile) {
-  for (const auto& [tid, frame] : frames_) {
-    SCOPED_TRACE(tid);
-    const std::string maps =
-        "/proc/" + std::to_string(getpid()) + "/task/" + std::to_string(tid) + "/maps";
-    const auto marked = run_in_camera("cat " + maps + " | grep stack | awk '{print $ 1}'");
-    EXPECT_EQ(marked.out, mapping_that_holds(frame).in_8_digits());
-  }
+  is_ending = true;
+  spinning.join();
 }
 
 TEST(Listing, ShowsDeadProcessesWithoutAStackAndItselfWithOne) {

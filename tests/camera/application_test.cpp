@@ -4,9 +4,7 @@
 
 #include <filesystem>
 #include <fstream>
-#include <set>
 
-#include "emulation.h"
 #include "process.h"
 #include "screen_reader.h"
 #include "x_server.h"
@@ -68,27 +66,6 @@ TEST_F(Application, TakesInEveryKeyOfAFastBurst) {
   EXPECT_EQ(awaited_input(reader_, all), all);
 }
 
-TEST_F(Application, ReceivesKeysThatAnotherClientHasGrabbed) {
-  const screen_reader rival;
-  rival.grab_keyboard();
-  reader_.key(104, true);
-  reader_.key(104, false);
-  const std::string seen = "events 2\nkey KEY_OK up\nheld\ntouch none\n";
-  EXPECT_EQ(awaited_input(reader_, seen), seen);
-}
-
-// The rival sees the server repeat the key, the application must not take that for presses.
-TEST_F(Application, CountsAKeyHeldDownOnce) {
-  const screen_reader rival;
-  rival.grab_keyboard();
-  reader_.key(80, true);
-  int presses = 0;
-  EXPECT_TRUE(comes_true([&] { return (presses += rival.take_key_presses()) >= 3; }));
-  reader_.key(80, false);
-  const std::string once = "events 2\nkey KEY_UP up\nheld\ntouch none\n";
-  EXPECT_EQ(awaited_input(reader_, once), once);
-}
-
 TEST_F(Application, FollowsATouchFromPressToRelease) {
   reader_.touch_at(300, 330, true);
   reader_.move_to(500, 330);
@@ -100,26 +77,6 @@ TEST_F(Application, FollowsATouchFromPressToRelease) {
   EXPECT_TRUE(comes_true([&] { return reader_.pixel(400, 330) == amber_rgb; })) << "no trail";
 }
 
-TEST_F(Application, LightsAKeyWhileItIsHeld) {
-  constexpr int x = 200, y = 77;  // in the list of keys, beside the newest one's name
-  const unsigned long dark = reader_.pixel(x, y);
-  reader_.key(133, true);
-  EXPECT_TRUE(comes_true([&] { return reader_.pixel(x, y) == amber_rgb; }));
-  reader_.key(133, false);
-  EXPECT_TRUE(comes_true([&] { return reader_.pixel(x, y) != amber_rgb; }));
-  EXPECT_NE(reader_.pixel(x, y), dark) << "the last key is no longer listed";
-}
-
-TEST_F(Application, MovesItsClockBySeconds) {
-  const auto clock_row = [&] {
-    std::set<std::pair<int, unsigned long>> row;
-    for (int x = 350; x < 450; x++) row.emplace(x, reader_.pixel(x, 24));
-    return row;
-  };
-  const auto first = clock_row();
-  EXPECT_TRUE(comes_true([&] { return clock_row() != first; }));
-}
-
 TEST(ApplicationStart, ShowsKeysThatAreHeldAlready) {
   const screen_reader reader;
   reader.key(134, true);
@@ -128,46 +85,10 @@ TEST(ApplicationStart, ShowsKeysThatAreHeldAlready) {
   reader.key(134, false);
 }
 
-struct seen_thread {
-  std::string name;
-  char state;
-};
-
-std::vector<seen_thread> threads_of(int pid) {
-  std::vector<seen_thread> threads;
-  for (const auto& task :
-       std::filesystem::directory_iterator("/proc/" + std::to_string(pid) + "/task")) {
-    std::string line;
-    std::getline(std::ifstream{task.path() / "stat"}, line);
-    const auto open = line.find('('), close = line.rfind(')');
-    threads.push_back({line.substr(open + 1, close - open - 1), line[close + 2]});
-  }
-  return threads;
-}
-
-TEST(ApplicationThreads, WaitOrRunExceptTheOneToldToHang) {
-  ORV_SKIP_WHEN_EMULATED("no wait is uninterruptible, and the emulator has a thread of its own");
-  const application started{"--hang-thread 'Shutter Assert '"};
-  const auto hanging = [&] {
-    std::string names;
-    for (const auto& [name, state] : threads_of(started.pid()))
-      if (state != 'R' && state != 'S') names += name + ":" + state + ";";
-    return names;
-  };
-  EXPECT_TRUE(comes_true([&] { return hanging() == "Shutter Assert :D;"; })) << hanging();
-  EXPECT_EQ(threads_of(started.pid()).size(), 55U);
-}
-
 // The second process that holds the thread in its wait must not pass for the application.
 TEST(ApplicationThreads, HangingOneEndsWithTheApplicationAndIsNoSecondOne) {
   const auto processes_like = [](const std::string& text) {
-    int count = 0;
-    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
-      std::string name;
-      std::getline(std::ifstream{entry.path() / "comm"}, name);
-      if (name.find(text) != std::string::npos) count++;
-    }
-    return count;
+    return std::stoi(orv_test::run({"pgrep", "-c", text}).out);
   };
   {
     const application started{"--hang-thread lumen-ui-host-n"};

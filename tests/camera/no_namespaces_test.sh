@@ -40,19 +40,7 @@ test_card_that_was_there_stays() {
 }
 
 test_all_ends_when_the_runner_is_ended_by_a_signal() {
-  local signal runner
-  for signal in TERM INT KILL; do
-    unique_sleep
-    "${refusing[@]}" env --default-signal=INT "$camera" --no-app -- \
-      bash -c "setsid sleep $sleep_seconds & wait" 2>/dev/null &
-    runner=$!
-    wait_until is_running "sleep $sleep_seconds"
-    kill -s "$signal" "$runner"
-    wait "$runner" 2>/dev/null
-    expect_equal "$?" "$((128 + $(kill -l "$signal")))"
-    wait_until is_gone "sleep $sleep_seconds"
-    wait_until machine_is_clean
-  done
+  expect_end_by_signals machine_is_clean "${refusing[@]}"
 }
 
 test_namespaces_can_be_required() {

@@ -16,10 +16,10 @@ namespace_is_empty() {
 test_command_sees_only_its_own_processes_files_and_network() {
   touch "$scratch_dir/outside"
   # The build is brought in wherever it lies, its path may begin in /tmp.
-  bare -- bash -c 'find /tmp /sdcard ! -type d | grep -v "^$1/"; processes=(/proc/[0-9]*)
+  DISPLAY=:0 bare -- bash -c 'find /tmp /sdcard ! -type d | grep -v "^$1/"; processes=(/proc/[0-9]*)
     echo "${#processes[@]}"; grep -c : /proc/net/dev; stat -c %a "$ORV_PLATFORM_ROOT"
-    ls -A "$ORV_PLATFORM_ROOT"' bash "${camera%/bin/camera}" >"$scratch_dir/seen"
-  expect_equal "$(<"$scratch_dir/seen")" $'2\n1\n700'
+    ls -A "$ORV_PLATFORM_ROOT"; echo "${DISPLAY-none}"' bash "${camera%/bin/camera}" >"$scratch_dir/seen"
+  expect_equal "$(<"$scratch_dir/seen")" $'2\n1\n700\nnone'
 }
 
 test_nothing_of_the_camera_lands_on_the_machine() {
@@ -45,47 +45,8 @@ test_stdin_and_arguments_reach_the_command_unchanged() {
     'a  b< * ><>'
 }
 
-test_what_the_command_left_running_ends_with_it() {
-  unique_sleep
-  bare -- bash -c "setsid sleep $sleep_seconds & disown"
-  wait_until is_gone "sleep $sleep_seconds"
-}
-
 test_all_ends_when_the_runner_is_ended_by_a_signal() {
-  local signal runner namespace
-  for signal in TERM INT KILL; do
-    unique_sleep
-    # A job in the background would ignore SIGINT, and hand that on.
-    env --default-signal=INT "$camera" --no-app -- sleep "$sleep_seconds" 2>/dev/null &
-    runner=$!
-    wait_until is_running "sleep $sleep_seconds"
-    namespace=$(readlink "/proc/$(pgrep -fx "sleep $sleep_seconds")/ns/pid")
-    kill -s "$signal" "$runner"
-    wait "$runner" 2>/dev/null
-    expect_equal "$?" "$((128 + $(kill -l "$signal")))"
-    wait_until namespace_is_empty "$namespace"
-  done
-}
-
-test_cameras_run_side_by_side_without_seeing_each_other() {
-  local first second
-  "$camera" -- bash -c 'touch /sdcard/first; read -r; ls /sdcard; pgrep -c lumen-ui-host' \
-    < <(wait_until test -e "$scratch_dir/second-ran"; echo) >"$scratch_dir/first" &
-  first=$!
-  second=$("$camera" -- bash -c 'touch /sdcard/second; ls /sdcard; pgrep -c lumen-ui-host')
-  touch "$scratch_dir/second-ran"
-  wait "$first"
-  expect_equal "$second" $'second\n1'
-  expect_equal "$(<"$scratch_dir/first")" $'first\n1'
-}
-
-# A picture of the empty display is small, that of the application is not.
-test_application_fills_the_display_when_the_command_starts() {
-  "$camera" --store "$scratch_dir/with" -- orv-screenshot "$scratch_dir/with/shot.png"
-  "$camera" --store "$scratch_dir/without" --no-app -- orv-screenshot "$scratch_dir/without/shot.png"
-  (($(stat -c %s "$scratch_dir/with/shot.png") > 100000)) || fail_check "shows little"
-  (($(stat -c %s "$scratch_dir/without/shot.png") < 10000)) || fail_check "shows something"
-  expect_equal "$(DISPLAY=:0 bare -- bash -c 'echo "${DISPLAY-none}"')" none
+  expect_end_by_signals namespace_is_empty
 }
 
 # The agent looks for the application by name among all processes, dead ones included. A
@@ -127,18 +88,6 @@ test_wrong_use_gets_one_line() {
   expect_failure 127 \
     'camera: nap: no such program in the camera (its /tmp is empty; --bind adds files)' \
     bare -- nap
-}
-
-test_missing_parts_get_one_line() {
-  mkdir -p "$scratch_dir"/{tools,tree/bin,tree/lib}
-  ln -s /usr/bin/{bash,readlink,mkdir} "$scratch_dir/tools"
-  cp "$camera" "$scratch_dir/tree/bin"
-  expect_failure 125 'camera: bwrap is not installed (Debian: bubblewrap)' \
-    env PATH="$scratch_dir/tools" bash "$camera" --no-display -- true
-  expect_failure 125 'camera: Xvfb is not installed (Debian: xvfb)' \
-    env PATH="$scratch_dir/tools" bash "$camera" -- true
-  expect_failure 125 "camera: no application: $scratch_dir/tree/bin/lumen-ui-host is missing (--no-app does without)" \
-    "$scratch_dir/tree/bin/camera" -- true
 }
 
 run_tests

@@ -70,22 +70,6 @@ void screen_reader::move_to(int x, int y) const {
   XSync(display.get(), False);
 }
 
-void screen_reader::grab_keyboard() const {
-  XGrabKeyboard(display.get(), DefaultRootWindow(display.get()), False, GrabModeAsync,
-                GrabModeAsync, CurrentTime);
-  XSync(display.get(), False);
-}
-
-int screen_reader::take_key_presses() const {
-  int presses = 0;
-  while (XPending(display.get()) > 0) {
-    XEvent event;
-    XNextEvent(display.get(), &event);
-    if (event.type == KeyPress) presses++;
-  }
-  return presses;
-}
-
 bool comes_true(const std::function<bool()>& holds) {
   return orv_test::eventually(holds, 10'000);
 }

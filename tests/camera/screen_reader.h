@@ -17,9 +17,6 @@ struct screen_reader {
   void key(int keycode, bool down) const;
   void touch_at(int x, int y, bool down) const;
   void move_to(int x, int y) const;
-  void grab_keyboard() const;
-  // Those that have arrived at this client since the last call.
-  int take_key_presses() const;
 };
 
 // Looks again and again until `holds`, at most ten seconds. Returns whether it came to hold.

@@ -44,6 +44,25 @@ is_gone() {
   ! is_running "$1"
 }
 
+# expect_end_by_signals IS_CLEAN [PREFIX...]: the camera, run by PREFIX, and all that it started.
+expect_end_by_signals() {
+  local is_clean=$1 signal runner namespace
+  for signal in TERM INT KILL; do
+    unique_sleep
+    # A job in the background would ignore SIGINT, and hand that on.
+    "${@:2}" env --default-signal=INT "$camera" --no-app -- \
+      bash -c "setsid sleep $sleep_seconds & wait" 2>/dev/null &
+    runner=$!
+    wait_until is_running "sleep $sleep_seconds"
+    namespace=$(readlink "/proc/$(pgrep -fx "sleep $sleep_seconds")/ns/pid")
+    kill -s "$signal" "$runner"
+    wait "$runner" 2>/dev/null
+    expect_equal "$?" "$((128 + $(kill -l "$signal")))"
+    wait_until is_gone "sleep $sleep_seconds"
+    wait_until "$is_clean" "$namespace"
+  done
+}
+
 run_tests() {
   local name failed=0
   for name in $(compgen -A function test_); do

@@ -53,9 +53,14 @@ for page in tree/usr/share/man/man?/*; do
   expect "warnings of $page" '' "$warnings"
 done
 man -l -E ascii -P cat tree/usr/share/man/man1/orvctl.1.gz >orvctl.txt
-for subcommand in $(tree/usr/bin/orvctl --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z]\S*\).*/\1/p'); do
+for subcommand in $(tree/usr/bin/orvctl --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z]\S*\).*/\1/p') \
+  'monitor watch'; do
   grep -q "^   orvctl $subcommand " orvctl.txt || fail "the manual page lacks $subcommand"
+  for option in $(tree/usr/bin/orvctl $subcommand --help | sed -nE 's/^  (-.,)?(--[a-z]+).*/\2/p'); do
+    grep -qE "^       (-., )?$option( |$)" orvctl.txt || fail "the manual page lacks $option"
+  done
 done
+grep -q '^              Default: 250\.$' orvctl.txt || fail 'the manual page lacks a default'
 
 # The verifier looks for programs in the machine's own directories, where orv-host is not.
 if type -P systemd-analyze >/dev/null; then
@@ -76,4 +81,5 @@ for said in 'platform    Q7' 'tap KEY_MENU: done' 'release 640,210: done' 'free 
   'The host ended with status 0'; do
   grep -qF "$said" story.txt || fail "the story lacks: $said; it is in $work/story.txt"
 done
-[[ -s tree/usr/screen.png ]] || fail "the story left no screenshot"
+# A picture of the empty display is small, that of the application is not.
+(($(stat -c %s tree/usr/screen.png) > 100000)) || fail "the screenshot shows little"

@@ -53,22 +53,20 @@ TEST(Log, KeepsALongRecordToItsBound) {
   EXPECT_TRUE(lines[0].ends_with(" I/LONG: " + std::string(4000, 'x')));
 }
 
-// Checks its own length, so that a mixture of two records shows.
-void print_numbered(const char* tag, int number) {
-  const std::string filler(static_cast<size_t>(number % 300), static_cast<char>('a' + number % 26));
-  __dlog_print(3, DLOG_INFO, tag, "%d:%s.", number, filler.c_str());
+// Tells its own length and letter, so that a mixture of two records shows.
+std::string numbered(int number) {
+  return std::to_string(number) + ":" +
+         std::string(static_cast<size_t>(number % 300), static_cast<char>('a' + number % 26)) + ".";
 }
 
-bool is_whole(const std::string& line, int& number) {
+void print_numbered(const char* tag, int number) {
+  __dlog_print(3, DLOG_INFO, tag, "%s", numbered(number).c_str());
+}
+
+bool is_whole(const std::string& line) {
   const size_t start = line.rfind(": ") + 2;
-  const size_t colon = line.find(':', start);
-  if (colon == std::string::npos || line.back() != '.') {
-    return false;
-  }
-  number = std::stoi(line.substr(start));
-  const std::string filler = line.substr(colon + 1, line.size() - colon - 2);
-  return filler ==
-         std::string(static_cast<size_t>(number % 300), static_cast<char>('a' + number % 26));
+  const long number = strtol(line.c_str() + start, nullptr, 10);
+  return line.substr(start) == numbered(static_cast<int>(number));
 }
 
 TEST(Log, LosesNothingOfSeveralWritersWhileItHasRoom) {
@@ -92,8 +90,7 @@ TEST(Log, LosesNothingOfSeveralWritersWhileItHasRoom) {
   const auto lines = dump("MANY");
   EXPECT_EQ(lines.size(), 4U * each);
   for (const auto& line : lines) {
-    int number = 0;
-    EXPECT_TRUE(is_whole(line, number)) << line;
+    EXPECT_TRUE(is_whole(line)) << line;
   }
 }
 
@@ -109,8 +106,7 @@ TEST(Log, ShowsOnlyWholeRecordsOfKilledAndOvertakenWriters) {
   for (int round = 0; round < 15; ++round) {
     const background killed{write_for_ever};
     for (const auto& line : dump("HAMMER")) {
-      int number = 0;
-      ASSERT_TRUE(is_whole(line, number)) << line;
+      ASSERT_TRUE(is_whole(line)) << line;
       ++shown;
     }
   }

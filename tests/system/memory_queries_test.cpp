@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <signal.h>
 
 #include <filesystem>
 #include <fstream>
@@ -30,10 +29,6 @@ class MemoryQueries : public testing::Test {
     ASSERT_TRUE(eventually([] {
       return run({"orvctl", "--timeout", "0.1", "target"}).status == 0;
     }));
-  }
-  void TearDown() override {
-    host_->signal(SIGTERM);
-    host_->wait();
   }
 
   std::unique_ptr<orv_test::background> host_;

@@ -1,8 +1,9 @@
-/* A store as a camera might have it, from the platform's contract alone: no header of the stand-in,
- * no files. It asks the agent who it is as soon as it is watched, prints what the agent writes, and
- * ends the host after the answer. */
+/* The platform as a camera might have it, from its contract alone: no header of the stand-ins, no
+ * files. One text for its three libraries. The store asks the agent who it is as soon as it is
+ * watched, prints what the agent writes, and ends the host after the answer. */
 #include <glib.h>
 #include <signal.h>
+#include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -21,7 +22,6 @@ static gboolean write_command(gpointer user_data) {
   return G_SOURCE_REMOVE;
 }
 
-int vconf_notify_key_changed(const char* key, changed callback, void* user_data);
 int vconf_notify_key_changed(const char* key, changed callback, void* user_data) {
   if (strcmp(key, command_node.name) != 0) {
     return -1;
@@ -31,36 +31,28 @@ int vconf_notify_key_changed(const char* key, changed callback, void* user_data)
   return 0;
 }
 
-int vconf_ignore_key_changed(const char* key, changed callback);
 int vconf_ignore_key_changed(const char* key, changed callback) {
   printf("ignore %s %d\n", key, callback == watcher);
   return 0;
 }
 
-char* vconf_keynode_get_name(struct node* node);
 char* vconf_keynode_get_name(struct node* node) {
   return (char*)(gpointer)node->name;
 }
 
-int vconf_keynode_get_type(struct node* node);
-int vconf_keynode_get_type(struct node* node) {
-  (void)node;
+int vconf_keynode_get_type(void) {
   return 41;
 }
 
-int vconf_get_int(const char* key, int* value);
 int vconf_get_int(const char* key, int* value) {
   *value = strcmp(key, command_node.name) == 0 ? 0x208 : 0;
   return 0;
 }
 
-char* vconf_get_str(const char* key);
-char* vconf_get_str(const char* key) {
-  (void)key;
+char* vconf_get_str(void) {
   return calloc(1, 1);
 }
 
-int vconf_set_int(const char* key, int value);
 int vconf_set_int(const char* key, int value) {
   printf("%s=%d\n", key, value);
   if (strcmp(key, "memory/orv/result") == 0 && value == 0) {
@@ -69,8 +61,25 @@ int vconf_set_int(const char* key, int value) {
   return 0;
 }
 
-int vconf_set_str(const char* key, const char* value);
 int vconf_set_str(const char* key, const char* value) {
-  printf("%s=%s\n", key, value);
+  return printf("%s=%s\n", key, value) < 0;
+}
+
+int __dlog_print(int log_id, int priority, const char* tag, const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  printf("log %d %d %s ", log_id, priority, tag);
+  vprintf(format, arguments);
+  va_end(arguments);
   return 0;
+}
+
+const char* get_project_name(void) {
+  return "ANOTHER";
+}
+const char* get_board_version_name(void) {
+  return "MP";
+}
+const char* get_fw_version_full(void) {
+  return "9.9";
 }
