@@ -2,7 +2,7 @@
 # the host's agent uses them and answers through them.
 read -ra glib < <(glib_flags)
 for library in vconf dlog version-info; do
-  compile_c -std=gnu11 -shared -fPIC "$here/platform.c" -o lib$library.so.0 "${glib[@]}"
+  compile_c -std=gnu2x -shared -fPIC "$here/platform.c" -o lib$library.so.0 "${glib[@]}"
 done
 
 LD_LIBRARY_PATH=$work timeout 60 "$BUILD/bin/orv-host" >out 2>err || fail "the host: $(<err)"

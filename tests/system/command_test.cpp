@@ -11,6 +11,7 @@
 #include <string>
 
 #include "emulation.h"
+#include "main_loop.h"
 #include "process.h"
 
 namespace {
@@ -59,6 +60,17 @@ class Camera : public testing::Test {
 
 int one_line(const outcome& told) {
   return static_cast<int>(std::count(told.err.begin(), told.err.end(), '\n'));
+}
+
+TEST_F(Camera, AnswersEachOfManyCommandsOnce) {
+  int answers = 0;
+  const auto count = [](keynode_t*, void* seen) { ++*static_cast<int*>(seen); };
+  ASSERT_EQ(vconf_notify_key_changed(VCONFKEY_ORV_RESULT, count, &answers), 0);
+  for (int i = 1; i <= 1000; ++i) {
+    vconf_set_int(VCONFKEY_ORV_COMMAND, ORV_COMMAND_TARGET_INFO);
+    ASSERT_TRUE(orv_test::run_until([&] { return answers == i; })) << i;
+  }
+  vconf_ignore_key_changed(VCONFKEY_ORV_RESULT, count);
 }
 
 TEST_F(Camera, TellsItsIdentity) {
