@@ -46,13 +46,6 @@ TEST_F(CpuMonitor, AppendsAnItemForEachRunningThread) {
   EXPECT_EQ(wr_vconf_data, text_at(VCONFKEY_ORV_RESULT_DATA));
 }
 
-TEST_F(CpuMonitor, BeginsAnewOnWhatIsNoPacket) {
-  fed_.feed_ps(thread_line(100, "R"));
-  EXPECT_EQ(packet_after("1,1,1024"), "848,24,16,1,T,100,$,");
-  const std::string huge(100000, 'x');
-  EXPECT_EQ(packet_after(huge), "848,24,16,1,T,100,$,");
-}
-
 TEST_F(CpuMonitor, LogsEveryThread) {
   fed_.feed_ps(thread_line(100, "R") + thread_line(200, "S"));
   orv_start_time = 0;

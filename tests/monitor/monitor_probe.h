@@ -38,9 +38,6 @@ class MonitorTest : public AgentTest {
   static std::string packet_after(int (*proc)(void*), const std::string& old_text);
 };
 
-// A true packet of heap items with so many characters in all.
-std::string packet_of_size(size_t characters);
-
 }  // namespace orv_test
 
 #endif
