@@ -13,13 +13,11 @@
 
 #include "agent_probe.h"
 #include "camera_application.h"
-#include "new_process.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using orv_test::camera_application;
-using orv_test::in_a_new_process;
 using orv_test::take_messages;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -35,6 +33,17 @@ std::string first_found(pid_t pid) {
 void write_file(const fs::path& path, const std::string& content = "") {
   fs::create_directories(path.parent_path());
   std::ofstream{path} << content;
+}
+
+// For what the agent remembers as long as its process lives: in a child of this one, whose failures
+// fail the test here as well.
+void in_a_new_process(const std::function<void()>& scenario) {
+  orv_test::background child{[&] {
+    scenario();
+    fflush(nullptr);
+    return testing::Test::HasFailure() ? 1 : 0;
+  }};
+  EXPECT_EQ(child.wait(60000), 0) << "in the child process";
 }
 
 class Health : public orv_test::AgentTest {

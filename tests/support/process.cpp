@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <filesystem>
 #include <thread>
 
 namespace orv_test {
@@ -95,6 +96,10 @@ int background::wait(int deadline_ms) {
   }
   pid_ = -1;
   return decode(status);
+}
+
+long count_descriptors() {
+  return std::distance(std::filesystem::directory_iterator{"/proc/self/fd"}, {});
 }
 
 bool eventually(const std::function<bool()>& condition, int deadline_ms) {
