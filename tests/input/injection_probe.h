@@ -15,8 +15,8 @@
 namespace orv_test {
 
 // The agent's writes of one injection, joined: "memory/orv/result=0" for one that went well.
-inline std::string writes_of(void (*inject)(const orv_command*, const char*),
-                             const orv_command& record, const char* data = "") {
+template <class Inject>
+std::string writes_of(Inject inject, orv_command record, const char* data = "") {
   take_writes();
   inject(&record, data);
   std::string joined;

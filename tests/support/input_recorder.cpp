@@ -60,12 +60,6 @@ std::vector<std::string> input_recorder::take() {
   return std::exchange(seen_, {});
 }
 
-bool input_recorder::is_down(int keycode) const {
-  char keys[32];
-  XQueryKeymap(control_.get(), keys);
-  return (keys[keycode / 8] >> (keycode % 8) & 1) != 0;
-}
-
 std::string input_recorder::pointer() const {
   Window ignored = None;
   int x = 0;

@@ -28,7 +28,6 @@ class input_recorder {
   // "button 1 down", "button 1 up".
   std::vector<std::string> take();
 
-  [[nodiscard]] bool is_down(int keycode) const;
   // "100,200 up", "100,200 down": where the pointer is, and button 1.
   [[nodiscard]] std::string pointer() const;
 
