@@ -59,14 +59,14 @@ TEST_F(Injection, OnlyReleasesAVirtualKeyWhenAskedTo) {
 
 TEST_F(Injection, TouchesWhereItIsTold) {
   EXPECT_EQ(touch(ORV_PRESS, 100, 200), ok);
-  EXPECT_EQ(recorder_.pointer(), "100,200 down");
   EXPECT_EQ(touch(ORV_RELEASE, 300, 150), ok);
-  EXPECT_EQ(recorder_.pointer(), "300,150 up");
   EXPECT_THAT(recorder_.take(),
               ElementsAre("move 100,200", "button 1 down", "move 300,150", "button 1 up"));
   EXPECT_EQ(touch(ORV_PRESS, 5000, -3), ok);
   EXPECT_EQ(touch(ORV_RELEASE, 5000, -3), ok);
-  EXPECT_EQ(recorder_.pointer(), "799,0 up") << "the server keeps the pointer on its screen";
+  EXPECT_THAT(recorder_.take(),
+              ElementsAre("move 799,0", "button 1 down", "move 799,0", "button 1 up"))
+      << "the server keeps the pointer on its screen";
 }
 
 TEST_F(Injection, SendsNothingForAWrongParameterOrName) {

@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <latch>
+#include <optional>
 #include <thread>
 
 #include "injection_probe.h"
@@ -23,7 +24,6 @@ using orv_test::virtual_key;
 using orv_test::x_relay;
 using orv_test::x_server;
 
-constexpr int relay_display = 70;
 constexpr int server_display = 71;
 
 int error_of_host = 0;
@@ -96,17 +96,14 @@ class Relayed : public LostServer {
  protected:
   void SetUp() override {
     LostServer::SetUp();
-    relay_ = std::make_unique<x_relay>(relay_display);
-    setenv("DISPLAY", relay_->name().c_str(), 1);
+    relay_.emplace();
   }
   void TearDown() override {
     relay_.reset();
-    setenv("DISPLAY", server_.c_str(), 1);
     LostServer::TearDown();
   }
 
-  const std::string server_ = getenv("DISPLAY");
-  std::unique_ptr<x_relay> relay_;
+  std::optional<x_relay> relay_;
 };
 
 TEST_F(Relayed, OutlivesALossAnywhereInTheConnection) {
@@ -137,8 +134,8 @@ TEST_F(Relayed, LeavesOtherThreadsErrorsToTheHost) {
   const x_server doomed{server_display};
   std::latch connected{1};
   std::thread host{[&] {
-    const orv_test::client own{XOpenDisplay(server_.c_str())};
-    const orv_test::client lost{XOpenDisplay(doomed.name().c_str())};
+    const orv_test::x_client own{XOpenDisplay(relay_->server().c_str())};
+    const orv_test::x_client lost{XOpenDisplay(doomed.name().c_str())};
     XSetIOErrorExitHandler(
         lost.get(), [](Display*, void*) {}, nullptr);
     relay_->hold(true);
