@@ -137,14 +137,6 @@ TEST_F(Dispatch, RefusesACommandKeyOfAnotherType) {
               ElementsAre(key_line, "E orv_handler():: key-type miss-matched! (type=40) "));
 }
 
-TEST_F(Dispatch, RunsTheSameCommandAsOftenAsItIsWritten) {
-  for (int i = 0; i < 5; ++i) {
-    put(VCONFKEY_ORV_COMMAND, ORV_COMMAND_HEARTBEAT);
-  }
-  drain();
-  EXPECT_THAT(take_messages(), ElementsAre(key_line, key_line, key_line, key_line, key_line));
-}
-
 TEST_F(Dispatch, EndsWithTheAgent) {
   orv_destroy_handler();
   take_messages();

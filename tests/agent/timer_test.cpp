@@ -91,18 +91,4 @@ TEST_F(Timer, RunsWithoutAnIdUntilItsCallbackEndsIt) {
   EXPECT_FALSE(run_until([&] { return ticks_.seen > 2; }, 30));
 }
 
-TEST_F(Timer, KeepsTheIdOfACallbackThatEndedItself) {
-  ticks_.last = 1;
-  orv_start_timer(1, tick, &ticks_, &id_);
-  const uint32_t first = id_;
-  EXPECT_TRUE(run_until([&] { return ticks_.seen == 1; }));
-  EXPECT_EQ(id_, first);
-  ticks_.last = -1;
-  orv_start_timer(1, tick, &ticks_, &id_);
-  EXPECT_FALSE(run_until([&] { return ticks_.seen > 1; }, 30));
-  orv_stop_timer(&id_);
-  orv_start_timer(1, tick, &ticks_, &id_);
-  EXPECT_TRUE(run_until([&] { return ticks_.seen > 1; }));
-}
-
 }  // namespace
