@@ -24,9 +24,7 @@ std::string thread_line(int id, const std::string& state) {
 
 class CpuMonitor : public orv_test::MonitorTest {
  protected:
-  static std::string packet_after(const std::string& old_text) {
-    return MonitorTest::packet_after(orv_cpu_monitor_proc, old_text);
-  }
+  CpuMonitor() : MonitorTest{orv_cpu_monitor_proc} {}
 
   orv_test::fed_programs fed_;
 };
@@ -85,11 +83,10 @@ TEST_F(CpuMonitor, EndsItsTimerWithoutMemoryUntilItIsStoppedAndStarted) {
   fed_.feed_ps(thread_line(100, "R"));
   const auto has_packet = [] { return text_at(VCONFKEY_ORV_RESULT_DATA) != "(none)"; };
   start(ORV_MON_TYPE_CPU, 5);
-  {
-    const orv_test::refused_memory refused{list_size};
-    take_messages();
-    EXPECT_FALSE(orv_test::run_until(has_packet, 60));
-  }
+  orv_test::refuse_memory(list_size);
+  take_messages();
+  EXPECT_FALSE(orv_test::run_until(has_packet, 60));
+  orv_test::refuse_memory(0);
   EXPECT_THAT(take_messages(), ElementsAre("E  ERROR in Memory allocation"));
   EXPECT_THAT(take_writes(), IsEmpty());
   start(ORV_MON_TYPE_CPU, 5);

@@ -22,6 +22,8 @@ constexpr char item[] = "28,2,T,1,1,1024000,0,$,";
 
 class HeapMonitor : public orv_test::MonitorTest {
  protected:
+  HeapMonitor() : MonitorTest{orv_heap_monitor_proc} {}
+
   void SetUp() override {
     if (!orv_test::have_private_mounts()) {
       GTEST_SKIP() << "the kernel refuses private mounts";
@@ -36,10 +38,6 @@ class HeapMonitor : public orv_test::MonitorTest {
                         << " kB\nBuffers: 1 kB\nCached: 2 kB\n";
     meminfo_.reset();
     meminfo_.emplace(path, "/proc/meminfo");
-  }
-
-  static std::string packet_after(const std::string& old_text) {
-    return MonitorTest::packet_after(orv_heap_monitor_proc, old_text);
   }
 
   std::optional<mounted> meminfo_;
@@ -101,7 +99,7 @@ TEST_F(HeapMonitor, TakesTheProcessDownWithoutMemory) {
   put(VCONFKEY_ORV_RESULT_DATA, old.c_str());
   EXPECT_EXIT(
       {
-        const orv_test::refused_memory refused{ORV_PACKET_MAX_TEXT};
+        orv_test::refuse_memory(ORV_PACKET_MAX_TEXT);
         orv_heap_monitor_proc(nullptr);
       },
       testing::ExitedWithCode(1), "\\[ORV       \\] .*Could not acllocate memory ");

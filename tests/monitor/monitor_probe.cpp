@@ -12,29 +12,25 @@ namespace {
 std::vector<unsigned> intervals;
 size_t refused_size = 0;
 
-constexpr int all_types[] = {ORV_MON_TYPE_CPU, ORV_MON_TYPE_HEAP, ORV_MON_TYPE_STACK};
-
 }  // namespace
 
 std::vector<unsigned> take_intervals() {
   return std::exchange(intervals, {});
 }
 
-refused_memory::refused_memory(size_t size) {
+void refuse_memory(size_t size) {
   refused_size = size;
-}
-refused_memory::~refused_memory() {
-  refused_size = 0;
 }
 
 void MonitorTest::SetUp() {
   AgentTest::SetUp();
   g_packet_data = {};
+  refuse_memory(0);
   take_intervals();
 }
 
 void MonitorTest::TearDown() {
-  for (const int type : all_types) {
+  for (const int type : {ORV_MON_TYPE_CPU, ORV_MON_TYPE_HEAP, ORV_MON_TYPE_STACK}) {
     stop(type);
   }
 }
@@ -49,9 +45,9 @@ int MonitorTest::stop(int type) {
   return orv_monitor(&request, ORV_MON_ACTION_TERMINATE);
 }
 
-std::string MonitorTest::packet_after(int (*proc)(void*), const std::string& old_text) {
+std::string MonitorTest::packet_after(const std::string& old_text) const {
   put(VCONFKEY_ORV_RESULT_DATA, old_text.c_str());
-  EXPECT_EQ(proc(nullptr), 1);
+  EXPECT_EQ(proc_(nullptr), 1);
   return without_times(text_at(VCONFKEY_ORV_RESULT_DATA));
 }
 
