@@ -35,13 +35,12 @@ class Dispatch : public orv_test::AgentTest {
   // Everything that the store has to deliver is delivered.
   static void drain() {
     int seen = 0;
+    const auto count = [](keynode_t*, void* times) { ++*static_cast<int*>(times); };
     vconf_notify_key_changed("test/fence", count, &seen);
     put("test/fence", 1);
     EXPECT_TRUE(run_until([&] { return seen == 1; }));
     vconf_ignore_key_changed("test/fence", count);
   }
-
-  static void count(keynode_t* /*node*/, void* seen) { ++*static_cast<int*>(seen); }
 
   static std::vector<std::string> messages_of(int code) {
     put(VCONFKEY_ORV_COMMAND, code);

@@ -126,27 +126,23 @@ TEST_F(Health, FailsWithoutACardAndCountsTheFirstThatComes) {
   });
 }
 
+bool enter_root(const char* root) {
+  return (chroot(root) == 0 || (unshare(CLONE_NEWUSER) == 0 && chroot(root) == 0)) &&
+         chdir("/") == 0;
+}
+
 // In a process whose root directory is another, so that /proc holds what the test puts there.
-class ProcessTable : public orv_test::AgentTest {
- protected:
-  static bool enter_root(const fs::path& root) {
-    return (chroot(root.c_str()) == 0 ||
-            (unshare(CLONE_NEWUSER) == 0 && chroot(root.c_str()) == 0)) &&
-           chdir("/") == 0;
-  }
+void with_own_root(const std::function<void()>& scenario) {
+  char root[] = "/tmp/orv-root-XXXXXX";
+  ASSERT_NE(mkdtemp(root), nullptr);
+  in_a_new_process([&] {
+    ASSERT_TRUE(enter_root(root));
+    scenario();
+  });
+  fs::remove_all(root);
+}
 
-  static void with_own_root(const std::function<void()>& scenario) {
-    char root[] = "/tmp/orv-root-XXXXXX";
-    ASSERT_NE(mkdtemp(root), nullptr);
-    in_a_new_process([&] {
-      ASSERT_TRUE(enter_root(root));
-      scenario();
-    });
-    fs::remove_all(root);
-  }
-};
-
-TEST_F(ProcessTable, TakesDigitsForProcessesAndReadsTheirFirst512Bytes) {
+TEST_F(Health, TakesDigitsForProcessesAndReadsTheirFirst512Bytes) {
   const struct {
     const char* entry;
     std::string stat;
@@ -177,7 +173,7 @@ TEST_F(ProcessTable, TakesDigitsForProcessesAndReadsTheirFirst512Bytes) {
   });
 }
 
-TEST_F(ProcessTable, LeavesTheCardAloneWhenItCannotBeListed) {
+TEST_F(Health, LeavesTheCardAloneWhenProcessesCannotBeListed) {
   with_own_root([] {
     write_file("/sdcard/file");
     EXPECT_EQ(check_failed(), -1);

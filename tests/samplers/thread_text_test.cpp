@@ -40,9 +40,7 @@ TEST(ThreadLine, IsNoThreadsWhenItDoesNotQualify) {
   for (const char* line : {
            "    PID     TID %CPU      ESP COMMAND         S\n",
            "",
-           "\n",
            "     \n",
-           "garbage\n",
            "\x01\xff\x80 \x02 x x x x\n",
            "1 2 0.0 1 ps R\n",
            "1 2 0.0 1 sh S\n",

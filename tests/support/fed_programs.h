@@ -20,9 +20,6 @@ class fed_programs {
         "#!/bin/sh\ncd " + directory_.string() + "\necho \"${0##*/} $*\" >>log\n";
     put("bin/ps", start + "/bin/cat listing\n. ./after\n");
     put("bin/cat", start + "exec /bin/cat \"maps$1\" 2>&-\n");
-    for (const char* program : {"bin/ps", "bin/cat"}) {
-      std::filesystem::permissions(directory_ / program, std::filesystem::perms::owner_all);
-    }
     feed_ps("");
     then_ps_runs("");
     setenv("PATH", ((directory_ / "bin").string() + ":" + old_path_).c_str(), 1);
@@ -64,6 +61,7 @@ class fed_programs {
   void put(const std::string& name, const std::string& text) const {
     std::filesystem::create_directories((directory_ / name).parent_path());
     std::ofstream{directory_ / name} << text;
+    std::filesystem::permissions(directory_ / name, std::filesystem::perms::owner_all);
   }
 
   std::filesystem::path directory_ = std::filesystem::path{getenv("ORV_PLATFORM_ROOT")} / "fed";
