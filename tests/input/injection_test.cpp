@@ -102,7 +102,6 @@ TEST_F(Injection, ReportsAFailureOnceMoreOnTheNextGoodOne) {
   EXPECT_EQ(event(ORV_EVENT_TOUCH, ORV_RELEASE, ""), failed);
   EXPECT_EQ(event(ORV_EVENT_KEY, ORV_RELEASE, "KEY_OK"), ok);
   EXPECT_EQ(event(ORV_EVENT_TOUCH, 2, ""), failed);
-  EXPECT_EQ(event(ORV_EVENT_TOUCH, 2, ""), failed);
   EXPECT_EQ(event(ORV_EVENT_KEY, ORV_RELEASE, "KEY_OK"), failed);
   EXPECT_EQ(event(ORV_EVENT_VIRTUAL_KEY, 0, "KEY_OK"), ok);
 }

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <signal.h>
+#include <stdlib.h>
 
 #include <chrono>
 #include <latch>
@@ -15,7 +16,6 @@
 
 namespace {
 
-using orv_test::display_name;
 using orv_test::failed;
 using orv_test::key;
 using orv_test::ok;
@@ -51,6 +51,7 @@ class LostServer : public orv_test::InjectionTest {
 
   // The process is as the host had it.
   void TearDown() override {
+    setenv("DISPLAY", display_.c_str(), 1);
     EXPECT_EQ(XSetErrorHandler(nullptr), host_error);
     EXPECT_EQ(XSetIOErrorHandler(nullptr), host_lost);
     sigset_t signals;
@@ -61,12 +62,13 @@ class LostServer : public orv_test::InjectionTest {
     EXPECT_EQ(orv_test::count_descriptors(), descriptors_);
   }
 
+  const std::string display_ = getenv("DISPLAY");
   long descriptors_ = 0;
 };
 
 TEST_F(LostServer, FailsWhenTheServerTakesNoSyntheticInput) {
   const x_server server{server_display, "-extension XTEST"};
-  const display_name display{server.name()};
+  setenv("DISPLAY", server.name().c_str(), 1);
   orv_test::take_messages();
   EXPECT_EQ(key("KEY_OK", ORV_PRESS), failed);
   EXPECT_EQ(touch(ORV_PRESS, 1, 1), failed);
@@ -75,7 +77,7 @@ TEST_F(LostServer, FailsWhenTheServerTakesNoSyntheticInput) {
 
 TEST_F(LostServer, OutlivesServersThatAreKilledInABurstAndWorksWithTheNext) {
   x_server server{server_display};
-  const display_name display{server.name()};
+  setenv("DISPLAY", server.name().c_str(), 1);
   for (int round = 0; round < 8; ++round) {
     std::thread killer{[&] {
       std::this_thread::sleep_for(std::chrono::microseconds{500 + round * 433});
@@ -134,7 +136,7 @@ TEST_F(Relayed, LeavesOtherThreadsErrorsToTheHost) {
   const x_server doomed{server_display};
   std::latch connected{1};
   std::thread host{[&] {
-    const orv_test::x_client own{XOpenDisplay(relay_->server().c_str())};
+    const orv_test::x_client own{XOpenDisplay(display_.c_str())};
     const orv_test::x_client lost{XOpenDisplay(doomed.name().c_str())};
     XSetIOErrorExitHandler(
         lost.get(), [](Display*, void*) {}, nullptr);

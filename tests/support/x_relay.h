@@ -37,9 +37,6 @@ class x_relay {
     setenv("DISPLAY", server_.c_str(), 1);
   }
 
-  // The real server's display.
-  [[nodiscard]] const std::string& server() const { return server_; }
-
   // From now on a client loses its connection once the server has sent it so many bytes.
   void cut_after(size_t bytes) { bytes_allowed_ = bytes; }
   static constexpr size_t never = std::numeric_limits<size_t>::max();
