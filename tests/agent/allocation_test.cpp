@@ -23,11 +23,12 @@ extern "C" __attribute__((visibility("default"))) void* malloc(size_t size) {
 #endif
 
 TEST(LogLine, AllocatesNothing) {
-  if (allocations == 0) {
-    GTEST_SKIP() << "a sanitizer's allocator is not counted";
-  }
+#ifdef __SANITIZE_ADDRESS__
+  GTEST_SKIP() << "a sanitizer's allocator is not counted";
+#endif
   orv_log_error("the first line opens the log \n");
   const long before = allocations;
+  ASSERT_GT(before, 0) << "nothing is counted";
   for (int i = 0; i < 1000; ++i) {
     orv_log_info("%d %s %f\n", i, "text", 1.5);
   }
