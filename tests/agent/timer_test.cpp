@@ -9,7 +9,6 @@
 namespace {
 
 using orv_test::run_until;
-using orv_test::take_log;
 using orv_test::take_messages;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
@@ -70,17 +69,11 @@ TEST_F(Timer, NamesWhyItRefuses) {
   orv_stop_timer(nullptr);
   EXPECT_EQ(id_, 0U);
 
-  const auto records = take_log();
-  std::vector<std::string> lines;
-  for (const auto& record : records) {
-    EXPECT_EQ(record.file, "orv_timer.cpp");
-    lines.push_back(record.function + "|" + record.line.substr(5, record.line.size() - 9));
-  }
   const auto start = StartsWith("orv_start_timer|Register timer with callback pointer (0x");
   const auto start_seconds =
       StartsWith("orv_start_timer_seconds|Register timer with callback pointer (0x");
   EXPECT_THAT(
-      lines,
+      orv_test::take_messages_of("orv_timer.cpp"),
       ElementsAre(
           start, "orv_start_timer|orv_start_timer():: timer already is registered ", start_seconds,
           "orv_start_timer_seconds|orv_start_timer_seconds():: timer already is registered ",
@@ -94,23 +87,8 @@ TEST_F(Timer, NamesWhyItRefuses) {
 TEST_F(Timer, RunsWithoutAnIdUntilItsCallbackEndsIt) {
   ticks_.last = 2;
   orv_start_timer(1, tick, &ticks_, nullptr);
-  EXPECT_THAT(take_messages(), ElementsAre(StartsWith(registration)));
   EXPECT_TRUE(run_until([&] { return ticks_.seen == 2; }));
   EXPECT_FALSE(run_until([&] { return ticks_.seen > 2; }, 30));
-}
-
-TEST_F(Timer, KeepsTheIdOfACallbackThatEndedItself) {
-  ticks_.last = 1;
-  orv_start_timer(1, tick, &ticks_, &id_);
-  const uint32_t first = id_;
-  EXPECT_TRUE(run_until([&] { return ticks_.seen == 1; }));
-  EXPECT_EQ(id_, first);
-  ticks_.last = -1;
-  orv_start_timer(1, tick, &ticks_, &id_);
-  EXPECT_FALSE(run_until([&] { return ticks_.seen > 1; }, 30));
-  orv_stop_timer(&id_);
-  orv_start_timer(1, tick, &ticks_, &id_);
-  EXPECT_TRUE(run_until([&] { return ticks_.seen > 1; }));
 }
 
 }  // namespace

@@ -2,66 +2,45 @@
 #include <gmock/gmock.h>
 #include <limits.h>
 #include <orv/thread.h>
-#include <semaphore.h>
 #include <signal.h>
 #include <string.h>
-#include <time.h>
+#include <unistd.h>
 
+#include <atomic>
+#include <map>
 #include <string>
 
 #include "agent_probe.h"
+#include "process.h"
 
 namespace {
 
-// What the wrapped calls answer with, 0 for the real call.
-struct call_faults {
-  int init = 0;
-  int set_detach_state = 0;
-  int create = 0;
-  int destroy = 0;
-  int cancel = 0;
-};
-call_faults faults;
-int attributes_alive = 0;
+// Of the wrapped calls: what one answers with instead of being made, and how often it was asked
+// for.
+std::map<std::string, int> faults;
+std::map<std::string, int> calls;
 
 }  // namespace
 
 // The linker gives these their names. errno is left at something else, as the calls may.
+#define WRAP(call, parameters, arguments)                                    \
+  int __real_##call parameters;                                              \
+  int __wrap_##call parameters {                                             \
+    errno = ENOENT;                                                          \
+    ++calls[#call];                                                          \
+    return faults.contains(#call) ? faults[#call] : __real_##call arguments; \
+  }
+
 // NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" {
 
-int __real_pthread_attr_init(pthread_attr_t* attributes);
-int __real_pthread_attr_setdetachstate(pthread_attr_t* attributes, int state);
-int __real_pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
-                          void* (*start)(void*), void* argument);
-int __real_pthread_attr_destroy(pthread_attr_t* attributes);
-int __real_pthread_cancel(pthread_t thread);
-
-int __wrap_pthread_attr_init(pthread_attr_t* attributes) {
-  errno = ENOENT;
-  attributes_alive += faults.init == 0 ? 1 : 0;
-  return faults.init != 0 ? faults.init : __real_pthread_attr_init(attributes);
-}
-int __wrap_pthread_attr_setdetachstate(pthread_attr_t* attributes, int state) {
-  errno = ENOENT;
-  return faults.set_detach_state != 0 ? faults.set_detach_state
-                                      : __real_pthread_attr_setdetachstate(attributes, state);
-}
-int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
-                          void* (*start)(void*), void* argument) {
-  errno = ENOENT;
-  return faults.create != 0 ? faults.create
-                            : __real_pthread_create(thread, attributes, start, argument);
-}
-int __wrap_pthread_attr_destroy(pthread_attr_t* attributes) {
-  --attributes_alive;
-  const int result = __real_pthread_attr_destroy(attributes);
-  return faults.destroy != 0 ? faults.destroy : result;
-}
-int __wrap_pthread_cancel(pthread_t thread) {
-  errno = ENOENT;
-  return faults.cancel != 0 ? faults.cancel : __real_pthread_cancel(thread);
-}
+WRAP(pthread_attr_init, (pthread_attr_t * attributes), (attributes))
+WRAP(pthread_attr_setdetachstate, (pthread_attr_t * attributes, int state), (attributes, state))
+WRAP(pthread_create,
+     (pthread_t * thread, const pthread_attr_t* attributes, void* (*start)(void*), void* argument),
+     (thread, attributes, start, argument))
+WRAP(pthread_attr_destroy, (pthread_attr_t * attributes), (attributes))
+WRAP(pthread_cancel, (pthread_t thread), (thread))
 
 }  // extern "C"
 // NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
@@ -72,46 +51,32 @@ using orv_test::take_messages;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+// Until it is cancelled.
+void* live(void* /*argument*/) {
+  for (;;) {
+    pause();
+  }
+}
+
 class Thread : public orv_test::AgentTest {
  protected:
   void SetUp() override {
     AgentTest::SetUp();
-    faults = {};
-    sem_init(&gate_.open, 0, 0);
-    sem_init(&gate_.passed, 0, 0);
-  }
-  void TearDown() override { EXPECT_EQ(attributes_alive, 0); }
-
-  struct gate {
-    sem_t open;
-    sem_t passed;
-  };
-  // Started so, a thread lives until the gate is opened, or until it is cancelled.
-  static void* live(void* at_gate) {
-    sem_wait(&static_cast<gate*>(at_gate)->open);
-    sem_post(&static_cast<gate*>(at_gate)->passed);
-    return nullptr;
-  }
-  void release() {
-    timespec deadline{};
-    clock_gettime(CLOCK_MONOTONIC, &deadline);
-    deadline.tv_sec += 5;
-    sem_post(&gate_.open);
-    EXPECT_EQ(sem_clockwait(&gate_.passed, CLOCK_MONOTONIC, &deadline), 0);
+    faults.clear();
+    calls.clear();
   }
 
-  pthread_t start(uint32_t joinable) {
-    pthread_t thread{};
-    EXPECT_EQ(orv_thread_create(&thread, "a", 9, joinable, 0, live, &gate_), 0);
+  static int create(int32_t stack_size_bytes) {
+    return orv_thread_create(&thread_, "a", 9, 1, stack_size_bytes, live, nullptr);
+  }
+
+  static pthread_t start(uint32_t joinable) {
+    EXPECT_EQ(orv_thread_create(&thread_, "a", 9, joinable, 0, live, nullptr), 0);
     take_messages();
-    return thread;
-  }
-  int create(int32_t stack_size_bytes) {
-    pthread_t thread{};
-    return orv_thread_create(&thread, "a", 0, 1, stack_size_bytes, live, &gate_);
+    return thread_;
   }
 
-  gate gate_{};
+  static inline pthread_t thread_;
 };
 
 std::string created(const std::string& name, pthread_t thread, unsigned stack_size_bytes) {
@@ -147,14 +112,14 @@ TEST_F(Thread, GetsTheStackThatItsLineShows) {
   for (const auto& [asked, given] : {std::pair{131072, 131072U}, {0, 1048576U}}) {
     SCOPED_TRACE(asked);
     self seen;
-    pthread_t thread{};
-    ASSERT_EQ(orv_thread_create(&thread, nullptr, 0, 7, asked, look_at_self, &seen), 0);
+    ASSERT_EQ(orv_thread_create(&thread_, nullptr, 0, 7, asked, look_at_self, &seen), 0);
+    EXPECT_EQ(calls["pthread_attr_destroy"], calls["pthread_attr_init"]);
     void* result = nullptr;
-    EXPECT_EQ(orv_thread_join(thread, &result), 0);
+    EXPECT_EQ(orv_thread_join(thread_, &result), 0);
     EXPECT_EQ(result, &seen);
-    EXPECT_EQ(seen.id, thread);
+    EXPECT_EQ(seen.id, thread_);
     EXPECT_EQ(seen.stack_size_bytes, given);
-    EXPECT_THAT(take_messages(), ElementsAre(created("(null)", thread, given),
+    EXPECT_THAT(take_messages(), ElementsAre(created("(null)", thread_, given),
                                              "I orv_thread_join():: Thread join success "));
   }
 }
@@ -165,59 +130,60 @@ TEST_F(Thread, CannotBeJoinedWhenDetached) {
   EXPECT_THAT(take_messages(), ElementsAre("E orv_thread_join():: Thread join failed for thread " +
                                                bracketed(thread),
                                            reason(EINVAL)));
-  release();
+  pthread_cancel(thread);
 }
 
 TEST_F(Thread, IsNotMadeWhenAStepFails) {
-  const auto one_fault = [](int call_faults::*call) {
-    call_faults made;
-    made.*call = EPERM;
-    return made;
-  };
-  const std::string message = "E orv_thread_create():: ";
   const struct {
-    call_faults given;
+    const char* failing;
     int stack_size_bytes;
-    std::string line;
+    const char* line;
     int code;
   } rows[] = {
-      {one_fault(&call_faults::init), 0, message + "Got error from pthread_attr_init ", EPERM},
-      {{}, 1, message + "Got error from pthread_attr_setstacksize ", EINVAL},
-      {{}, 16383, message + "Got error from pthread_attr_setstacksize ", EINVAL},
-      {one_fault(&call_faults::set_detach_state), 0,
-       message + "Got error from pthread_attr_setdetachstate ", EPERM},
-      {one_fault(&call_faults::create), 0, message + "pthread_create() failed ", EPERM},
+      {"pthread_attr_init", 0, "Got error from pthread_attr_init ", EPERM},
+      {"", 1, "Got error from pthread_attr_setstacksize ", EINVAL},
+      {"", 16383, "Got error from pthread_attr_setstacksize ", EINVAL},
+      {"pthread_attr_setdetachstate", 0, "Got error from pthread_attr_setdetachstate ", EPERM},
+      {"pthread_create", 0, "pthread_create() failed ", EPERM},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.line);
-    faults = row.given;
+    faults = {{row.failing, EPERM}};
+    calls.clear();
     EXPECT_EQ(create(row.stack_size_bytes), -1);
-    EXPECT_THAT(take_messages(), ElementsAre(row.line, reason(row.code)));
-    EXPECT_EQ(attributes_alive, 0);
+    EXPECT_THAT(take_messages(),
+                ElementsAre(std::string{"E orv_thread_create():: "} + row.line, reason(row.code)));
+    EXPECT_EQ(calls["pthread_attr_destroy"], faults.contains("pthread_attr_init") ? 0 : 1);
   }
   EXPECT_EQ(create(INT_MIN), -1);
   EXPECT_EQ(take_messages().size(), 2U);
+  EXPECT_EQ(create(0), -1);
+  EXPECT_THAT(orv_test::take_messages_of("orv_thread.cpp"),
+              ElementsAre("orv_thread_create|orv_thread_create():: pthread_create() failed ",
+                          "orv_thread_create|" + reason(EPERM).substr(2)));
 }
 
 TEST_F(Thread, LivesThoughItsAttributesCannotBeDestroyed) {
-  faults.destroy = EBUSY;
-  pthread_t thread{};
-  ASSERT_EQ(orv_thread_create(&thread, "lens", 0, 1, 0, live, &gate_), 0);
+  faults["pthread_attr_destroy"] = EBUSY;
+  ASSERT_EQ(create(0), 0);
   EXPECT_THAT(take_messages(),
-              ElementsAre(created("lens", thread, 1048576),
+              ElementsAre(created("a", thread_, 1048576),
                           "E orv_thread_create():: pthread attr destroy failed ", reason(EBUSY)));
-  release();
-  EXPECT_EQ(orv_thread_join(thread, nullptr), 0);
+  EXPECT_EQ(orv_thread_cancel(thread_), 0);
+  EXPECT_EQ(orv_thread_join(thread_, nullptr), 0);
 }
 
 TEST_F(Thread, IsRefusedInSilenceWithoutAStartRoutine) {
-  pthread_t thread{};
-  EXPECT_EQ(orv_thread_create(&thread, "a", 0, 1, 1, nullptr, nullptr), -1);
+  EXPECT_EQ(orv_thread_create(&thread_, "a", 0, 1, 1, nullptr, nullptr), -1);
   EXPECT_THAT(take_messages(), IsEmpty());
 }
 
-TEST_F(Thread, IsCancelledInSilence) {
+TEST_F(Thread, IsSignalledAndCancelledInSilence) {
+  static std::atomic<pthread_t> receiver{};
+  signal(SIGUSR1, [](int) { receiver = pthread_self(); });
   const pthread_t thread = start(1);
+  EXPECT_EQ(orv_thread_kill(thread, SIGUSR1), 0);
+  EXPECT_TRUE(orv_test::eventually([&] { return receiver == thread; }));
   EXPECT_EQ(orv_thread_cancel(thread), 0);
   EXPECT_THAT(take_messages(), IsEmpty());
   void* result = nullptr;
@@ -225,33 +191,9 @@ TEST_F(Thread, IsCancelledInSilence) {
   EXPECT_EQ(result, PTHREAD_CANCELED);
 }
 
-void* wait_for_signal(void* received) {
-  sigset_t signals;
-  sigemptyset(&signals);
-  sigaddset(&signals, SIGUSR1);
-  sigwait(&signals, static_cast<int*>(received));
-  return nullptr;
-}
-
-TEST_F(Thread, ReceivesTheSignalInSilence) {
-  sigset_t signals;
-  sigemptyset(&signals);
-  sigaddset(&signals, SIGUSR1);
-  pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-  pthread_t thread{};
-  int received = 0;
-  ASSERT_EQ(orv_thread_create(&thread, "a", 0, 1, 0, wait_for_signal, &received), 0);
-  take_messages();
-  EXPECT_EQ(orv_thread_kill(thread, 0), 0);
-  EXPECT_EQ(orv_thread_kill(thread, SIGUSR1), 0);
-  EXPECT_THAT(take_messages(), IsEmpty());
-  EXPECT_EQ(orv_thread_join(thread, nullptr), 0);
-  EXPECT_EQ(received, SIGUSR1);
-}
-
 TEST_F(Thread, ThatCannotBeCancelledOrSignalledIsNamed) {
   const pthread_t thread = start(1);
-  faults.cancel = ESRCH;
+  faults["pthread_cancel"] = ESRCH;
   EXPECT_EQ(orv_thread_cancel(thread), -1);
   EXPECT_EQ(orv_thread_kill(thread, 1000), -1);
   EXPECT_THAT(
@@ -261,18 +203,8 @@ TEST_F(Thread, ThatCannotBeCancelledOrSignalledIsNamed) {
           reason(ESRCH),
           "E orv_thread_kill():: Thread kill failed for thread " + bracketed(thread, ":1000"),
           reason(EINVAL)));
-  release();
+  __real_pthread_cancel(thread);
   EXPECT_EQ(orv_thread_join(thread, nullptr), 0);
-}
-
-TEST_F(Thread, FailuresAreRecordedUnderTheOperation) {
-  EXPECT_EQ(create(1), -1);
-  const auto records = orv_test::take_log();
-  EXPECT_EQ(records.size(), 2U);
-  for (const auto& record : records) {
-    EXPECT_EQ(record.file, "orv_thread.cpp");
-    EXPECT_EQ(record.function, "orv_thread_create");
-  }
 }
 
 }  // namespace

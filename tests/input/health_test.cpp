@@ -13,13 +13,11 @@
 
 #include "agent_probe.h"
 #include "camera_application.h"
-#include "new_process.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using orv_test::camera_application;
-using orv_test::in_a_new_process;
 using orv_test::take_messages;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -35,6 +33,17 @@ std::string first_found(pid_t pid) {
 void write_file(const fs::path& path, const std::string& content = "") {
   fs::create_directories(path.parent_path());
   std::ofstream{path} << content;
+}
+
+// For what the agent remembers as long as its process lives: in a child of this one, whose failures
+// fail the test here as well.
+void in_a_new_process(const std::function<void()>& scenario) {
+  orv_test::background child{[&] {
+    scenario();
+    fflush(nullptr);
+    return testing::Test::HasFailure() ? 1 : 0;
+  }};
+  EXPECT_EQ(child.wait(60000), 0) << "in the child process";
 }
 
 class Health : public orv_test::AgentTest {
@@ -117,28 +126,23 @@ TEST_F(Health, FailsWithoutACardAndCountsTheFirstThatComes) {
   });
 }
 
+bool enter_root(const char* root) {
+  return (chroot(root) == 0 || (unshare(CLONE_NEWUSER) == 0 && chroot(root) == 0)) &&
+         chdir("/") == 0;
+}
+
 // In a process whose root directory is another, so that /proc holds what the test puts there.
-class ProcessTable : public orv_test::AgentTest {
- protected:
-  static bool enter_root(const fs::path& root) {
-    return (chroot(root.c_str()) == 0 ||
-            (unshare(CLONE_NEWUSER) == 0 && chroot(root.c_str()) == 0)) &&
-           chdir("/") == 0;
-  }
+void with_own_root(const std::function<void()>& scenario) {
+  char root[] = "/tmp/orv-root-XXXXXX";
+  ASSERT_NE(mkdtemp(root), nullptr);
+  in_a_new_process([&] {
+    ASSERT_TRUE(enter_root(root));
+    scenario();
+  });
+  fs::remove_all(root);
+}
 
-  static void with_own_root(const std::function<void()>& scenario) {
-    char root[] = "/tmp/orv-root-XXXXXX";
-    ASSERT_NE(mkdtemp(root), nullptr);
-    in_a_new_process([&] {
-      ASSERT_TRUE(enter_root(root));
-      scenario();
-    });
-    fs::remove_all(root);
-  }
-};
-
-TEST_F(ProcessTable, TakesDigitsForProcessesAndReadsTheirFirst512Bytes) {
-  const std::string application = "(lumen-ui-host)";
+TEST_F(Health, TakesDigitsForProcessesAndReadsTheirFirst512Bytes) {
   const struct {
     const char* entry;
     std::string stat;
@@ -149,6 +153,8 @@ TEST_F(ProcessTable, TakesDigitsForProcessesAndReadsTheirFirst512Bytes) {
       {"7", "", -1},
       {"self", "7 (lumen-ui-host) S 1 7", -1},
       {"7a", "7 (lumen-ui-host) S 1 7", -1},
+      {"7:", "7 (lumen-ui-host) S 1 7", -1},
+      {"-7", "7 (lumen-ui-host) S 1 7", -1},
       {"0000000000000000000000000007", "7 (lumen-ui-host) S 1 7", 1},
       {"00000000000000000000000000007", "7 (lumen-ui-host) S 1 7", -1},
       {"7", std::string(499, ' ') + "lumen-ui-host", 1},
@@ -167,7 +173,7 @@ TEST_F(ProcessTable, TakesDigitsForProcessesAndReadsTheirFirst512Bytes) {
   });
 }
 
-TEST_F(ProcessTable, LeavesTheCardAloneWhenItCannotBeListed) {
+TEST_F(Health, LeavesTheCardAloneWhenProcessesCannotBeListed) {
   with_own_root([] {
     write_file("/sdcard/file");
     EXPECT_EQ(check_failed(), -1);
@@ -176,15 +182,6 @@ TEST_F(ProcessTable, LeavesTheCardAloneWhenItCannotBeListed) {
     write_file("/sdcard/another");
     EXPECT_EQ(check_failed(), 1) << "the card was not counted before";
   });
-}
-
-TEST(Digits, AreAllThatADigitTextHas) {
-  EXPECT_EQ(IsDigit(""), 0);
-  EXPECT_EQ(IsDigit("0123456789"), 0);
-  for (const char* text : {"12a", "self", "-1", " 1", "1/", "1:", "\xb2"}) {
-    SCOPED_TRACE(text);
-    EXPECT_EQ(IsDigit(text), -1);
-  }
 }
 
 }  // namespace

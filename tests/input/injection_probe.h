@@ -5,7 +5,6 @@
 #include <orv/command.h>
 #include <orv/input.h>
 #include <orv/protocol.h>
-#include <stdlib.h>
 
 #include <string>
 
@@ -15,8 +14,8 @@
 namespace orv_test {
 
 // The agent's writes of one injection, joined: "memory/orv/result=0" for one that went well.
-inline std::string writes_of(void (*inject)(const orv_command*, const char*),
-                             const orv_command& record, const char* data = "") {
+template <class Inject>
+std::string writes_of(Inject inject, orv_command record, const char* data = "") {
   take_writes();
   inject(&record, data);
   std::string joined;
@@ -39,18 +38,6 @@ inline std::string touch(int action, int x, int y) {
 
 constexpr char ok[] = "memory/orv/result=0";
 constexpr char failed[] = "memory/orv/result=-1";
-
-// Another display for the injections, until it goes.
-class display_name {
- public:
-  explicit display_name(const std::string& name) { setenv("DISPLAY", name.c_str(), 1); }
-  display_name(const display_name&) = delete;
-  display_name& operator=(const display_name&) = delete;
-  ~display_name() { setenv("DISPLAY", before_.c_str(), 1); }
-
- private:
-  std::string before_ = getenv("DISPLAY");
-};
 
 // With an application in good health and no failure outstanding.
 class InjectionTest : public AgentTest {

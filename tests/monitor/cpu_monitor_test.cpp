@@ -24,9 +24,7 @@ std::string thread_line(int id, const std::string& state) {
 
 class CpuMonitor : public orv_test::MonitorTest {
  protected:
-  static std::string packet_after(const std::string& old_text) {
-    return MonitorTest::packet_after(orv_cpu_monitor_proc, old_text);
-  }
+  CpuMonitor() : MonitorTest{orv_cpu_monitor_proc} {}
 
   orv_test::fed_programs fed_;
 };
@@ -44,13 +42,6 @@ TEST_F(CpuMonitor, AppendsAnItemForEachRunningThread) {
   EXPECT_EQ(g_packet_data.total_count, 68);
   EXPECT_STREQ(vconf_cpu_data, "848,36,28,2,5,1,1,9,0,$,");
   EXPECT_EQ(wr_vconf_data, text_at(VCONFKEY_ORV_RESULT_DATA));
-}
-
-TEST_F(CpuMonitor, BeginsAnewOnWhatIsNoPacket) {
-  fed_.feed_ps(thread_line(100, "R"));
-  EXPECT_EQ(packet_after("1,1,1024"), "848,24,16,1,T,100,$,");
-  const std::string huge(100000, 'x');
-  EXPECT_EQ(packet_after(huge), "848,24,16,1,T,100,$,");
 }
 
 TEST_F(CpuMonitor, LogsEveryThread) {
@@ -92,11 +83,10 @@ TEST_F(CpuMonitor, EndsItsTimerWithoutMemoryUntilItIsStoppedAndStarted) {
   fed_.feed_ps(thread_line(100, "R"));
   const auto has_packet = [] { return text_at(VCONFKEY_ORV_RESULT_DATA) != "(none)"; };
   start(ORV_MON_TYPE_CPU, 5);
-  {
-    const orv_test::refused_memory refused{list_size};
-    take_messages();
-    EXPECT_FALSE(orv_test::run_until(has_packet, 60));
-  }
+  orv_test::refuse_memory(list_size);
+  take_messages();
+  EXPECT_FALSE(orv_test::run_until(has_packet, 60));
+  orv_test::refuse_memory(0);
   EXPECT_THAT(take_messages(), ElementsAre("E  ERROR in Memory allocation"));
   EXPECT_THAT(take_writes(), IsEmpty());
   start(ORV_MON_TYPE_CPU, 5);

@@ -22,6 +22,8 @@ constexpr char item[] = "28,2,T,1,1,1024000,0,$,";
 
 class HeapMonitor : public orv_test::MonitorTest {
  protected:
+  HeapMonitor() : MonitorTest{orv_heap_monitor_proc} {}
+
   void SetUp() override {
     if (!orv_test::have_private_mounts()) {
       GTEST_SKIP() << "the kernel refuses private mounts";
@@ -36,10 +38,6 @@ class HeapMonitor : public orv_test::MonitorTest {
                         << " kB\nBuffers: 1 kB\nCached: 2 kB\n";
     meminfo_.reset();
     meminfo_.emplace(path, "/proc/meminfo");
-  }
-
-  static std::string packet_after(const std::string& old_text) {
-    return MonitorTest::packet_after(orv_heap_monitor_proc, old_text);
   }
 
   std::optional<mounted> meminfo_;
@@ -62,19 +60,13 @@ TEST_F(HeapMonitor, AppendsAnItemATick) {
             std::string{"848,120,"} + "28,2,T,1,1,5,0,$,28,2,T,1,1,5,0,$,28,2,T,1,1,5,0,$," + item);
 }
 
-TEST_F(HeapMonitor, KeepsOtherMonitorsItems) {
-  EXPECT_EQ(packet_after("848,24,16,1,5,100,$,"), std::string{"848,52,16,1,T,100,$,"} + item);
-  EXPECT_EQ(packet_after("848,44,36,3,7,1,100,2,3,2,1,$,"),
-            std::string{"848,72,36,3,T,1,100,2,3,2,1,$,"} + item);
-  EXPECT_EQ(packet_after("848,8,"), std::string{"848,36,"} + item);
-}
-
 TEST_F(HeapMonitor, BeginsAnewOnWhatIsNoPacket) {
   const std::string fresh = std::string{"848,36,"} + item;
   for (const char* text : {"CSC,Q7,MODEL,EVT2,1.0,240,RELEASE,0", "523,1,7,x,1,2,$,", "1,1,1024",
                            "848", "848,", "848,64", "849,64,", " 848,64,", ","}) {
     EXPECT_EQ(packet_after(text), fresh) << text;
   }
+  EXPECT_EQ(packet_after(std::string(100000, 'x')), fresh);
   put(VCONFKEY_ORV_RESULT_DATA, 848);  // unreadable as a text
   EXPECT_EQ(orv_heap_monitor_proc(nullptr), 1);
   EXPECT_EQ(without_times(text_at(VCONFKEY_ORV_RESULT_DATA)), fresh);
@@ -107,7 +99,7 @@ TEST_F(HeapMonitor, TakesTheProcessDownWithoutMemory) {
   put(VCONFKEY_ORV_RESULT_DATA, old.c_str());
   EXPECT_EXIT(
       {
-        const orv_test::refused_memory refused{ORV_PACKET_MAX_TEXT};
+        orv_test::refuse_memory(ORV_PACKET_MAX_TEXT);
         orv_heap_monitor_proc(nullptr);
       },
       testing::ExitedWithCode(1), "\\[ORV       \\] .*Could not acllocate memory ");

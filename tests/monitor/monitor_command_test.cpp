@@ -26,19 +26,14 @@ class MonitorCommand : public orv_test::MonitorTest {
   static std::vector<std::string> log_of(int param1, int param2, int param3) {
     orv_test::take_log();
     writes_of(param1, param2, param3);
-    std::vector<std::string> lines;
-    for (const auto& record : orv_test::take_log()) {
-      if (record.file == "orv_monitor_handler.cpp") {
-        lines.push_back(record.function + "|" + record.line.substr(5, record.line.size() - 9));
-      }
-    }
-    return lines;
+    return orv_test::take_messages_of("orv_monitor_handler.cpp");
   }
 };
 
 constexpr int types[] = {ORV_MON_TYPE_CPU, ORV_MON_TYPE_HEAP, ORV_MON_TYPE_STACK};
 
-TEST_F(MonitorCommand, AnswersHealthUnlessItStarts) {
+TEST_F(MonitorCommand, AnswersHealthUnlessItStartsAtTheMonitorsInterval) {
+  EXPECT_THAT(writes_of(3, 1, 1), IsEmpty()) << "there is no such monitor";
   for (const int type : types) {
     SCOPED_TRACE(type);
     EXPECT_THAT(writes_of(type, 1, 500), ElementsAre(answered_0));
@@ -46,30 +41,14 @@ TEST_F(MonitorCommand, AnswersHealthUnlessItStarts) {
     EXPECT_THAT(writes_of(type, 2, 500), ElementsAre(answered_failure));
     EXPECT_THAT(writes_of(type, -1, 0), ElementsAre(answered_failure));
     EXPECT_THAT(writes_of(type, 0, 500), ElementsAre(answered_0, answered_0, answered_failure));
-    EXPECT_EQ(take_intervals().size(), 1U);
   }
+  EXPECT_THAT(take_intervals(), ElementsAre(500U, 1000U, 2000U));
   const orv_test::camera_application application;
   for (const int type : types) {
     SCOPED_TRACE(type);
     EXPECT_THAT(writes_of(type, 1, 0), ElementsAre(answered_0));
     EXPECT_THAT(writes_of(type, 0, 0), ElementsAre(answered_0, answered_0, answered_0));
   }
-}
-
-TEST_F(MonitorCommand, GivesEachMonitorItsInterval) {
-  for (const int type : types) {
-    writes_of(type, 1, 250);
-  }
-  EXPECT_THAT(take_intervals(), ElementsAre(250U, 1000U, 2000U));
-}
-
-TEST_F(MonitorCommand, LeavesTheKeysWhenTheMonitorIsUnknown) {
-  EXPECT_THAT(writes_of(3, 1, 1), IsEmpty());
-  EXPECT_THAT(
-      log_of(3, 1, 1),
-      ElementsAre("orv_monitor_handler|orv_monitor_handler+ ", "orv_monitor_handler| - param1=3 ",
-                  "orv_monitor_handler|orv_monitor_handler():: unknown type = 3 ",
-                  "orv_monitor_handler|orv_monitor_handler- "));
 }
 
 TEST_F(MonitorCommand, LogsWhatItWasGiven) {
@@ -87,6 +66,7 @@ TEST_F(MonitorCommand, LogsWhatItWasGiven) {
        {"orv_stack_monitor|orv_stack_monitor+ ", "orv_stack_monitor|  param1=4 ",
         "orv_stack_monitor|  param2=7 ", "orv_stack_monitor|  param3=-3 ",
         "orv_stack_monitor|  param4=4 ", "orv_stack_monitor|  data=text "}},
+      {3, {"orv_monitor_handler|orv_monitor_handler():: unknown type = 3 "}},
   };
   for (const auto& [type, lines] : rows) {
     std::vector<std::string> expected = {

@@ -2,7 +2,6 @@
 
 #include <glib.h>
 
-#include <algorithm>
 #include <utility>
 
 #include "packet_check.h"
@@ -13,29 +12,25 @@ namespace {
 std::vector<unsigned> intervals;
 size_t refused_size = 0;
 
-constexpr int all_types[] = {ORV_MON_TYPE_CPU, ORV_MON_TYPE_HEAP, ORV_MON_TYPE_STACK};
-
 }  // namespace
 
 std::vector<unsigned> take_intervals() {
   return std::exchange(intervals, {});
 }
 
-refused_memory::refused_memory(size_t size) {
+void refuse_memory(size_t size) {
   refused_size = size;
-}
-refused_memory::~refused_memory() {
-  refused_size = 0;
 }
 
 void MonitorTest::SetUp() {
   AgentTest::SetUp();
   g_packet_data = {};
+  refuse_memory(0);
   take_intervals();
 }
 
 void MonitorTest::TearDown() {
-  for (const int type : all_types) {
+  for (const int type : {ORV_MON_TYPE_CPU, ORV_MON_TYPE_HEAP, ORV_MON_TYPE_STACK}) {
     stop(type);
   }
 }
@@ -50,33 +45,10 @@ int MonitorTest::stop(int type) {
   return orv_monitor(&request, ORV_MON_ACTION_TERMINATE);
 }
 
-std::string MonitorTest::packet_after(int (*proc)(void*), const std::string& old_text) {
+std::string MonitorTest::packet_after(const std::string& old_text) const {
   put(VCONFKEY_ORV_RESULT_DATA, old_text.c_str());
-  EXPECT_EQ(proc(nullptr), 1);
+  EXPECT_EQ(proc_(nullptr), 1);
   return without_times(text_at(VCONFKEY_ORV_RESULT_DATA));
-}
-
-std::string packet_of_size(size_t characters) {
-  constexpr size_t shortest_item = 17;
-  constexpr size_t most_digits = 10;
-  size_t count = characters / shortest_item;
-  std::string text;
-  do {
-    text = "848," + std::to_string(8 + 28 * count) + ",";
-  } while (text.size() + shortest_item * count > characters && --count != 0);
-  size_t missing = characters - text.size() - shortest_item * count;
-  const auto number = [&missing] {
-    const size_t more = std::min(missing, most_digits - 1);
-    missing -= more;
-    return std::string(1 + more, '1');
-  };
-  for (size_t i = 0; i < count; ++i) {
-    text += "28,2," + number() + ",1,1,";
-    text += number() + ",0,$,";
-  }
-  EXPECT_EQ(text.size(), characters);
-  EXPECT_EQ(packet_fault(text), "");
-  return text;
 }
 
 }  // namespace orv_test

@@ -16,14 +16,8 @@ namespace orv_test {
 // Intervals of the timers that were registered since the last call, in milliseconds.
 std::vector<unsigned> take_intervals();
 
-// While it lives, allocations of this size fail.
-class refused_memory {
- public:
-  explicit refused_memory(size_t size);
-  refused_memory(const refused_memory&) = delete;
-  refused_memory& operator=(const refused_memory&) = delete;
-  ~refused_memory();
-};
+// From now on, in this test, allocations of this size fail; of 0, none.
+void refuse_memory(size_t size);
 
 // No monitor runs when a test begins, none when it ends.
 class MonitorTest : public AgentTest {
@@ -34,12 +28,14 @@ class MonitorTest : public AgentTest {
   static int start(int type, int interval_ms);
   static int stop(int type);
 
-  // The packet, without times, after one tick of `proc` on this text.
-  static std::string packet_after(int (*proc)(void*), const std::string& old_text);
-};
+  explicit MonitorTest(int (*proc)(void*) = nullptr) : proc_{proc} {}
 
-// A true packet of heap items with so many characters in all.
-std::string packet_of_size(size_t characters);
+  // The packet, without times, after one tick of the monitor on this text.
+  std::string packet_after(const std::string& old_text) const;
+
+ private:
+  int (*proc_)(void*);
+};
 
 }  // namespace orv_test
 

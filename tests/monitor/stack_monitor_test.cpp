@@ -19,9 +19,7 @@ constexpr size_t list_size = 4096;
 
 class StackMonitor : public orv_test::MonitorTest {
  protected:
-  static std::string packet_after(const std::string& old_text) {
-    return MonitorTest::packet_after(orv_stack_monitor_proc, old_text);
-  }
+  StackMonitor() : MonitorTest{orv_stack_monitor_proc} {}
 
   // Threads 101, 102 ... in these states.
   void feed(const std::vector<std::string>& states) const {
@@ -113,7 +111,7 @@ TEST_F(StackMonitor, SkipsATickWithoutMemory) {
   const std::string old = "848,24,16,1,5,100,$,";
   put(VCONFKEY_ORV_RESULT_DATA, old.c_str());
   for (const size_t size : {size_t{ORV_PACKET_MAX_TEXT}, list_size}) {
-    const orv_test::refused_memory refused{size};
+    orv_test::refuse_memory(size);
     EXPECT_EQ(orv_stack_monitor_proc(nullptr), 1);
     EXPECT_THAT(take_messages(), IsSupersetOf({"E  ERROR in Memory allocation"}));
     EXPECT_THAT(take_writes(), IsEmpty());

@@ -13,7 +13,6 @@
 #include <unistd.h>
 
 #include <fstream>
-#include <iterator>
 #include <optional>
 #include <random>
 #include <string>
@@ -22,6 +21,7 @@
 #include "agent_probe.h"
 #include "fed_programs.h"
 #include "private_mounts.h"
+#include "process.h"
 
 namespace {
 
@@ -263,9 +263,6 @@ TEST_F(Samplers, AnswerWithTheGroupsThatFitAndTheWholeCount) {
 }
 
 TEST_F(Samplers, LeaveNothingBehind) {
-  const auto descriptors = [] {
-    return std::distance(fs::directory_iterator{"/proc/self/fd"}, fs::directory_iterator{});
-  };
   const auto repeat = [](int times) {
     for (int i = 0; i < times; ++i) {
       EXPECT_EQ(ask(), "523,1,7,worker,0,0,$,");
@@ -278,10 +275,10 @@ TEST_F(Samplers, LeaveNothingBehind) {
   fed_.feed_ps_alone("1 7 0.0 bef01234 worker S\n");
   testing::internal::CaptureStderr();
   repeat(10);
-  const auto descriptors_before = descriptors();
+  const auto descriptors = orv_test::count_descriptors();
   const size_t memory_before = mallinfo2().uordblks;
   repeat(1000);
-  EXPECT_EQ(descriptors(), descriptors_before);
+  EXPECT_EQ(orv_test::count_descriptors(), descriptors);
   EXPECT_LT(mallinfo2().uordblks, memory_before + 8000);
   EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1) << "a child was left";
   testing::internal::GetCapturedStderr();

@@ -56,6 +56,16 @@ std::vector<std::string> take_messages() {
   return messages;
 }
 
+std::vector<std::string> take_messages_of(const std::string& file) {
+  std::vector<std::string> messages;
+  for (const log_record& one : take_log()) {
+    if (one.file == file) {
+      messages.push_back(one.function + "|" + message_of(one.line));
+    }
+  }
+  return messages;
+}
+
 std::vector<std::string> take_writes() {
   return std::exchange(writes, {});
 }
@@ -98,15 +108,13 @@ char* __wrap_vconf_get_str(const char* key) {
 
 int __wrap_vconf_set_int(const char* key, int value) {
   orv_test::writes.push_back(std::string{key} + "=" + std::to_string(value));
-  const int* failing = orv_test::find_fault(fault::write, key);
-  return failing != nullptr ? *failing : __real_vconf_set_int(key, value);
+  return __real_vconf_set_int(key, value);
 }
 
 int __wrap_vconf_set_str(const char* key, const char* value) {
   orv_test::writes.push_back(std::string{key} + "=" + value);
   orv_test::check_packet(orv_test::text_at(key), value);
-  const int* failing = orv_test::find_fault(fault::write, key);
-  return failing != nullptr ? *failing : __real_vconf_set_str(key, value);
+  return __real_vconf_set_str(key, value);
 }
 
 int __wrap_vconf_notify_key_changed(const char* key, vconf_callback_fn callback, void* user_data) {

@@ -31,10 +31,13 @@ std::vector<log_record> take_log();
 // The same, a record a text: "I " or "E ", then the message without colour and reset sequence.
 std::vector<std::string> take_messages();
 
+// The records of one source file alone, as "function|message".
+std::vector<std::string> take_messages_of(const std::string& file);
+
 // The agent's writes since the last call, as "key=value", in order.
 std::vector<std::string> take_writes();
 
-enum class fault { read, write, notify };
+enum class fault { read, notify };
 
 // From now on the agent's calls of this kind for this key answer with `result` (a text: null).
 void fail(fault kind, const std::string& key, int result = -1);

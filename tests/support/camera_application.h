@@ -2,22 +2,30 @@
 #ifndef ORV_TESTS_SUPPORT_CAMERA_APPLICATION_H
 #define ORV_TESTS_SUPPORT_CAMERA_APPLICATION_H
 
-#include <sys/types.h>
+#include <gtest/gtest.h>
+#include <sys/prctl.h>
+#include <unistd.h>
+
+#include <fstream>
+
+#include "process.h"
 
 namespace orv_test {
 
-class camera_application {
+class camera_application : public background {
  public:
   // Bears the name when it returns; /proc shows it in parentheses.
-  explicit camera_application(const char* name = "lumen-ui-host");
-  camera_application(const camera_application&) = delete;
-  camera_application& operator=(const camera_application&) = delete;
-  ~camera_application();  // kills it; no entry is left in /proc
-
-  [[nodiscard]] pid_t pid() const { return pid_; }
-
- private:
-  pid_t pid_;
+  explicit camera_application(const std::string& name = "lumen-ui-host")
+      : background{[&name]() -> int {
+          prctl(PR_SET_NAME, name.c_str());
+          return pause();
+        }} {
+    EXPECT_TRUE(eventually([&] {
+      std::string seen;
+      std::getline(std::ifstream{"/proc/" + std::to_string(pid()) + "/comm"}, seen);
+      return seen == name;
+    }));
+  }
 };
 
 }  // namespace orv_test

@@ -6,20 +6,16 @@ namespace orv_test {
 
 bool run_until(const std::function<bool()>& done, int deadline_ms) {
   bool late = false;
-  GSource* timer = g_timeout_source_new(static_cast<guint>(deadline_ms));
-  g_source_set_callback(
-      timer,
-      [](gpointer flag) -> gboolean {
-        *static_cast<bool*>(flag) = true;
-        return G_SOURCE_REMOVE;
-      },
-      &late, nullptr);
-  g_source_attach(timer, nullptr);
+  const auto note = [](gpointer flag) -> gboolean {
+    *static_cast<bool*>(flag) = true;
+    return G_SOURCE_CONTINUE;
+  };
+  const guint timer =
+      g_timeout_add_full(G_PRIORITY_DEFAULT, static_cast<guint>(deadline_ms), note, &late, nullptr);
   while (!late && !done()) {
     g_main_context_iteration(nullptr, TRUE);
   }
-  g_source_destroy(timer);
-  g_source_unref(timer);
+  g_source_remove(timer);
   return done();
 }
 

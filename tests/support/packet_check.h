@@ -6,9 +6,9 @@
 
 namespace orv_test {
 
-// Parses the packet from start to end: a header, then whole items of known kinds, each of its own
-// size, and nothing else; the total is four times the numbers. Empty when all that holds, otherwise
-// what does not, and where.
+// Has the tool parse the packet from start to end: a header, then whole items of known kinds, each
+// of its own size, and nothing else; the total is four times the numbers. Empty when all that
+// holds, otherwise what does not.
 std::string packet_fault(const std::string& packet);
 
 // The packet with "T" for the time in every item, to be compared.

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <filesystem>
 #include <thread>
 
 namespace orv_test {
@@ -29,11 +30,6 @@ int decode(int status) {
   _exit(127);
 }
 
-// A file without a name.
-int scratch_file() {
-  return memfd_create("output", 0);
-}
-
 std::string content(int fd) {
   std::string text;
   char piece[4096];
@@ -48,8 +44,8 @@ std::string content(int fd) {
 }  // namespace
 
 outcome run(const std::vector<std::string>& words) {
-  const int out = scratch_file();
-  const int err = scratch_file();
+  const int out = memfd_create("output", 0);
+  const int err = memfd_create("errors", 0);
   fflush(nullptr);
   const pid_t child = fork();
   if (child == 0) {
@@ -95,6 +91,10 @@ int background::wait(int deadline_ms) {
   }
   pid_ = -1;
   return decode(status);
+}
+
+long count_descriptors() {
+  return std::distance(std::filesystem::directory_iterator{"/proc/self/fd"}, {});
 }
 
 bool eventually(const std::function<bool()>& condition, int deadline_ms) {

@@ -39,6 +39,9 @@ class background {
   pid_t pid_;
 };
 
+// How many descriptors this process has open.
+long count_descriptors();
+
 // Looks again every few milliseconds; tells whether the condition came true before the deadline.
 bool eventually(const std::function<bool()>& condition, int deadline_ms = 5000);
 

@@ -2,32 +2,29 @@
 #ifndef ORV_TESTS_SUPPORT_X_SERVER_H
 #define ORV_TESTS_SUPPORT_X_SERVER_H
 
-#include <sys/types.h>
-
+#include <memory>
 #include <string>
-#include <vector>
+
+#include "process.h"
 
 namespace orv_test {
 
 class x_server {
  public:
   // Runs when it returns. `options` go to the server as they are.
-  explicit x_server(int display, std::vector<std::string> options = {});
-  x_server(const x_server&) = delete;
-  x_server& operator=(const x_server&) = delete;
-  ~x_server();
+  explicit x_server(int display, std::string options = "");
 
   void start();
   // As a crash does it: SIGKILL. Gone when it returns.
-  void kill();
+  void kill() { process_.reset(); }
 
   [[nodiscard]] std::string name() const;  // for DISPLAY
-  [[nodiscard]] pid_t pid() const { return pid_; }
+  [[nodiscard]] pid_t pid() const { return process_->pid(); }
 
  private:
   int display_;
-  std::vector<std::string> options_;
-  pid_t pid_ = -1;
+  std::string options_;
+  std::unique_ptr<background> process_;
 };
 
 }  // namespace orv_test
