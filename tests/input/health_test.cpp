@@ -184,4 +184,12 @@ TEST_F(Health, LeavesTheCardAloneWhenProcessesCannotBeListed) {
   });
 }
 
+TEST(Digits, AreAllThatADigitTextHas) {
+  EXPECT_EQ(IsDigit(""), 0);
+  EXPECT_EQ(IsDigit("0123456789"), 0);
+  for (const char* text : {"12a", "self", "-1", "1:", "\xb2"}) {
+    EXPECT_EQ(IsDigit(text), -1) << text;
+  }
+}
+
 }  // namespace

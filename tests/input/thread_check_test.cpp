@@ -2,8 +2,14 @@
 
 #include <gmock/gmock.h>
 #include <orv/health.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
 
 #include "agent_probe.h"
+#include "emulation.h"
+#include "process.h"
 
 namespace {
 
@@ -90,6 +96,32 @@ TEST_F(ThreadCheck, AsksTheListsAsTheyStand) {
   const char* const recorder = std::exchange(monitor_thread_list[0], nullptr);
   EXPECT_EQ(monitorThreadCheck("(sensorapi)"), 0);
   monitor_thread_list[0] = recorder;
+}
+
+TEST_F(ThreadCheck, FindsTheOneThreadOfTheApplicationThatHangs) {
+  ORV_SKIP_WHEN_EMULATED("no wait is uninterruptible");
+  int ready[2];
+  ASSERT_EQ(pipe(ready), 0);
+  const orv_test::background application{
+      {"lumen-ui-host", "--hang-thread", "AeMain", "--ready-fd", std::to_string(ready[1])}};
+  close(ready[1]);
+  char byte = 0;
+  EXPECT_EQ(read(ready[0], &byte, 1), 1) << "the application did not start";
+  close(ready[0]);
+  const std::string tasks = "/proc/" + std::to_string(application.pid()) + "/task";
+  int threads = 0;
+  int faults = 0;
+  for (const auto& task : std::filesystem::directory_iterator{tasks}) {
+    std::string line;
+    std::getline(std::ifstream{task.path() / "stat"}, line);
+    ++threads;
+    if (CheckThread(line.data()) != 0) {
+      ++faults;
+      EXPECT_THAT(take_messages().back(), testing::HasSubstr("(AeMain) : [D]"));
+    }
+  }
+  EXPECT_GT(threads, 50);
+  EXPECT_EQ(faults, 1);
 }
 
 }  // namespace

@@ -2,15 +2,23 @@
 #include <orv/command.h>
 #include <orv/meminfo.h>
 #include <orv/protocol.h>
+#include <signal.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/ptrace.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include "agent_probe.h"
 #include "common/meminfo_text.h"
+#include "emulation.h"
 #include "private_mounts.h"
 
 namespace {
@@ -114,6 +122,39 @@ TEST_F(Heap, SeesTheFirst2047BytesAlone) {
   const auto padding = [](size_t size) { return "Pad:" + std::string(size - 5, ' ') + "\n"; };
   EXPECT_EQ(ask_with(padding(2047 - strlen("MemTotal: 12")) + "MemTotal: 123 kB\n"), "1,1,12288");
   EXPECT_EQ(ask_with(padding(2047) + "MemTotal: 9 kB\n"), "1,1,12288");
+}
+
+std::vector<uint64_t> system_calls_of_child(pid_t child) {
+  std::vector<uint64_t> calls;
+  int status = 0;
+  waitpid(child, &status, 0);
+  ptrace(PTRACE_SETOPTIONS, child, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
+  while (ptrace(PTRACE_SYSCALL, child, nullptr, nullptr) == 0 && waitpid(child, &status, 0) > 0 &&
+         WIFSTOPPED(status)) {
+    __ptrace_syscall_info info{};
+    ptrace(PTRACE_GET_SYSCALL_INFO, child, sizeof info, &info);
+    if (info.op == PTRACE_SYSCALL_INFO_ENTRY) {
+      calls.push_back(info.entry.nr);
+    }
+  }
+  return calls;
+}
+
+TEST(Meminfo, TakesThreeSystemCalls) {
+  ORV_SKIP_WHEN_EMULATED("processes cannot be traced");
+  const pid_t child = fork();
+  if (child == 0) {
+    uint32_t total = 0;
+    const meminfo_row table[] = {{"MemTotal", &total}};
+    ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
+    kill(getpid(), SIGSTOP);
+    orv_meminfo(table, 1);
+    syscall(SYS_getppid);  // what follows belongs to the exit
+    _exit(0);
+  }
+  std::vector<uint64_t> calls = system_calls_of_child(child);
+  calls.erase(std::find(calls.begin(), calls.end(), uint64_t{SYS_getppid}), calls.end());
+  EXPECT_THAT(calls, ElementsAre(SYS_openat, SYS_read, SYS_close));
 }
 
 }  // namespace
