@@ -2,7 +2,6 @@
 
 #include <errno.h>
 #include <glib-unix.h>
-#include <limits.h>
 #include <stdint.h>
 #include <stdio.h>
 #include <sys/inotify.h>
@@ -42,9 +41,7 @@ struct watched_key {
 std::list<watched_key> watched_keys;
 int inotify_fd = -1;
 
-// While a callback runs, a write is an answer: someone may wait for it.
-thread_local bool delivering = false;
-std::set<std::string, std::less<>> held_keys;
+std::set<std::string, std::less<>> held_keys;  // of the main context's thread
 
 watched_key* find_key(std::string_view key) {
   const auto found = std::find_if(watched_keys.begin(), watched_keys.end(),
@@ -79,9 +76,7 @@ void deliver(std::string key) {
   for (const registration& one : callbacks) {
     if (still_registered(key, one.callback)) {
       vconf_keynode node{key.data()};
-      delivering = true;
       one.callback(&node, one.user_data);
-      delivering = false;
     }
   }
 }
@@ -138,7 +133,6 @@ void lose(watched_key& row, uint32_t mask) {
     inotify_rm_watch(inotify_fd, row.watch);
   }
   row.watch = not_watched;
-  held_keys.clear();
   if (rewatch_lost_keys(nullptr) == G_SOURCE_CONTINUE) {
     g_timeout_add(rewatch_interval_ms, rewatch_lost_keys, nullptr);
   }
@@ -160,6 +154,9 @@ void handle(const inotify_event& event) {
     return;
   }
   watched_key* row = find_watch(event.wd);
+  if ((event.mask & directory_lost) != 0) {
+    held_keys.clear();  // which of them, the next write of each tells
+  }
   if (row == nullptr) {
     return;
   }
@@ -228,7 +225,9 @@ int add_registration(const char* key, vconf_callback_fn callback, void* user_dat
 }
 
 void hold_directory(int root, std::string_view key) {
-  if (delivering && !held_keys.contains(key)) {
+  const bool serving =
+      inotify_fd >= 0 && g_main_depth() > 0 && g_main_context_is_owner(g_main_context_default());
+  if (serving && !held_keys.contains(key)) {
     held_keys.emplace(key);
     add_watch(root, key, IN_DELETE_SELF | IN_ONLYDIR | IN_MASK_CREATE);
   }

@@ -18,10 +18,11 @@ namespace vconf {
 int add_registration(const char* key, vconf_callback_fn callback, void* user_data);
 int remove_registrations(const char* key, vconf_callback_fn callback);
 
-// Within a callback, keeps a mark that no write triggers on the directory of a key that it wrote;
-// elsewhere, and on other threads, does nothing. Where the last mark of a directory goes with a
-// process, as with a test tool that waited for an answer, the kernel has that process wait before
-// it ends: 7 ms a call of the tool in place of 2.4 (Linux 6.18).
+// Called behind a write: in a process that watches keys, what a source of the main context writes
+// is what others wait for, and a mark that no write triggers is kept on its directory; elsewhere,
+// and on other threads, nothing is done. Where the last mark of a directory goes with a process, as
+// with a test tool that waited for an answer, the kernel has that process wait before it ends: 7 ms
+// a call of the tool in place of 2.4 (Linux 6.18).
 void hold_directory(int root, std::string_view key);
 
 }  // namespace vconf

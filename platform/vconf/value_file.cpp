@@ -74,8 +74,8 @@ void sweep(int root, const char* key) {
   closedir(entries);
 }
 
-// Turns go round the keys that a process writes (the interval is odd, and commands write them in
-// pairs), and begin anywhere: a process that writes a few keys and ends takes its share.
+// Turns begin anywhere, so that a process that writes a few keys and ends takes its share, and come
+// after a prime number of writes, so that they go round keys that are written in a rhythm.
 void sweep_in_turn(int root, const char* key) {
   static std::atomic<uint32_t> writes{static_cast<uint32_t>(getpid())};
   if (writes.fetch_add(1, std::memory_order_relaxed) % writes_per_sweep == 0) {
