@@ -28,7 +28,7 @@ const char* next_name(const char* name, const char* end) {
   return next_line(find(':', name, end), end);
 }
 
-// The row of the name that stands there, and the colon behind it.
+// The row of the name that stands before the colon.
 const meminfo_row* find_row(const char* name, const char* colon, const meminfo_row* table,
                             int count) {
   char key[name_size] = {};
@@ -54,6 +54,7 @@ class letter_set {
 }  // namespace
 
 void take_meminfo(char* text, const meminfo_row* table, int count) noexcept {
+  count = std::max(count, 0);
   letter_set wanted;
   std::for_each(table, table + count, [&](const meminfo_row& row) { wanted.add(*row.name); });
   const char* const end = text + strlen(text);
