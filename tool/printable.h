@@ -2,15 +2,21 @@
 #ifndef ORV_TOOL_PRINTABLE_H
 #define ORV_TOOL_PRINTABLE_H
 
-#include <algorithm>
 #include <string>
 
 namespace orvctl {
 
-// Terminals take commands from control characters, and a thread's name can hold any.
+// Terminals take commands from control characters, those of UTF-8's second half too (0xc2 and 0x80
+// to 0x9f), and a thread's name can hold any.
 inline std::string printable(std::string text) {
-  std::replace_if(
-      text.begin(), text.end(), [](unsigned char c) { return c < ' ' || c == 0x7f; }, '?');
+  unsigned char before = 0;
+  for (char& letter : text) {
+    const auto byte = static_cast<unsigned char>(letter);
+    if (byte < ' ' || byte == 0x7f || (before == 0xc2 && byte >= 0x80 && byte < 0xa0)) {
+      letter = '?';
+    }
+    before = byte;
+  }
   return text;
 }
 

@@ -11,6 +11,8 @@
 #include <memory>
 #include <utility>
 
+#include "printable.h"
+
 #include <orv/protocol.h>
 
 namespace orvctl {
@@ -157,7 +159,8 @@ bool watch_session::take_news() {
     tell_missing();
   }
   if (news.garbled) {
-    fprintf(stderr, "orvctl: the packet holds something that is no item: %.200s\n", packet.c_str());
+    fprintf(stderr, "orvctl: the packet holds something that is no item: %.200s\n",
+            printable(packet).c_str());
     shared_.status = status_failure;
   }
   if (!news.items.empty() && !settings_.show(news.items)) {

@@ -3,6 +3,7 @@
 
 #include "command_names.h"
 #include "numbers.h"
+#include "printable.h"
 #include "target.h"
 
 namespace {
@@ -28,6 +29,14 @@ TEST(Numbers, TakesWhatFitsIn32BitsAndNothingElse) {
   for (const auto& [text, number] : rows) {
     EXPECT_EQ(orvctl::parse_int(text), number) << text;
   }
+}
+
+TEST(Printable, LeavesATerminalNothingToObey) {
+  EXPECT_EQ(orvctl::printable("a\x1b[2J\x7f\n\t"), "a?[2J???");
+  EXPECT_EQ(orvctl::printable("\xc2\x9b"
+                              "2J"),
+            "\xc2?2J");
+  EXPECT_EQ(orvctl::printable("\xc3\x9b \xc2\xb5"), "\xc3\x9b \xc2\xb5");
 }
 
 TEST(CommandNames, TakesNamesAndNumbers) {
