@@ -12,12 +12,19 @@ std::atomic<long> allocations{0};
 }  // namespace
 
 #ifndef __SANITIZE_ADDRESS__
-// The C library finds this in the program and calls it too, as does operator new.
+// The C library finds these in the program and calls them too, as does operator new.
 // NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
-extern "C" void* __libc_malloc(size_t size);
-extern "C" __attribute__((visibility("default"))) void* malloc(size_t size) {
+extern "C" {
+void* __libc_malloc(size_t size);
+void* __libc_realloc(void* memory, size_t size);
+__attribute__((visibility("default"))) void* malloc(size_t size) {
   ++allocations;
   return __libc_malloc(size);
+}
+__attribute__((visibility("default"))) void* realloc(void* memory, size_t size) {
+  ++allocations;
+  return __libc_realloc(memory, size);
+}
 }
 // NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 #endif

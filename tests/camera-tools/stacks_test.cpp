@@ -1,10 +1,8 @@
 // The programs against the kernel's own view of this process's threads.
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <fstream>

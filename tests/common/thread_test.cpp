@@ -155,8 +155,10 @@ TEST_F(Thread, IsNotMadeWhenAStepFails) {
                 ElementsAre(std::string{"E orv_thread_create():: "} + row.line, reason(row.code)));
     EXPECT_EQ(calls["pthread_attr_destroy"], faults.contains("pthread_attr_init") ? 0 : 1);
   }
+  faults.clear();
   EXPECT_EQ(create(INT_MIN), -1);
   EXPECT_EQ(take_messages().size(), 2U);
+  faults["pthread_create"] = EPERM;
   EXPECT_EQ(create(0), -1);
   EXPECT_THAT(orv_test::take_messages_of("orv_thread.cpp"),
               ElementsAre("orv_thread_create|orv_thread_create():: pthread_create() failed ",

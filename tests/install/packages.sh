@@ -55,9 +55,12 @@ done
 man -l -E ascii -P cat tree/usr/share/man/man1/orvctl.1.gz >orvctl.txt
 for subcommand in $(tree/usr/bin/orvctl --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z]\S*\).*/\1/p') \
   'monitor watch'; do
-  grep -q "^   orvctl $subcommand " orvctl.txt || fail "the manual page lacks $subcommand"
-  for option in $(tree/usr/bin/orvctl $subcommand --help | sed -nE 's/^  (-.,)?(--[a-z]+).*/\2/p'); do
-    grep -qE "^       (-., )?$option( |$)" orvctl.txt || fail "the manual page lacks $option"
+  section=$(awk -v "head=   orvctl $subcommand " '
+    /^(   )?[a-zA-Z]/ { inside = 0 } index($0, head) == 1 { inside = 1 } inside' orvctl.txt)
+  options=$(tree/usr/bin/orvctl $subcommand --help | sed -nE 's/^  (-.,)?(--[a-z]+).*/\2/p')
+  for option in ${options:-without}; do
+    grep -qE "^       (-., )?$option( |$)" <<<"$section" ||
+      fail "the manual page lacks $subcommand $option"
   done
 done
 grep -q '^              Default: 250\.$' orvctl.txt || fail 'the manual page lacks a default'

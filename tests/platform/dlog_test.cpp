@@ -6,8 +6,6 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <memory>
 #include <sstream>
 #include <string>
 #include <thread>

@@ -96,4 +96,10 @@ TEST(HexAddress, IsTheSameUnderBothNames) {
   }
 }
 
+TEST(StackAddressCopy, TakesExactlySoManyBytes) {
+  char copied[] = "......";
+  stack_address_cpy(copied, "a\0bcd", 4);
+  EXPECT_EQ(std::string(copied, 6), std::string("a\0bc\0.", 6));
+}
+
 }  // namespace

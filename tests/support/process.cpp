@@ -1,6 +1,5 @@
 #include "process.h"
 
-#include <fcntl.h>
 #include <signal.h>
 #include <stdio.h>
 #include <stdlib.h>

@@ -27,10 +27,11 @@ void x_server::start() {
                               options_ + " 3>" + told + " 2>/dev/null";
   process_ = std::make_unique<background>(std::vector<std::string>{"sh", "-c", command});
   std::error_code not_yet;
-  EXPECT_TRUE(eventually([&] {
+  const auto listens = [&] {
     const auto size = std::filesystem::file_size(told, not_yet);
     return !not_yet && size != 0;
-  })) << "Xvfb did not start";
+  };
+  EXPECT_TRUE(eventually(listens, 30'000)) << "Xvfb did not start";
 }
 
 }  // namespace orv_test
