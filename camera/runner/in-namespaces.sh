@@ -41,12 +41,17 @@ root_entries() {
 }
 
 collect_mounts() {
-  local i
+  local i tree
+  local -a needed_trees=()
+  # Of a build for another architecture: its libraries, and this machine's tools.
+  [[ ! -e $libexec/needed-trees ]] || mapfile -t needed_trees <"$libexec/needed-trees"
   mounts=()
   root_entries
   mounts+=(--proc /proc --dev /dev --perms 1777 --tmpfs /tmp --perms 1777 --dir /sdcard)
   mounts+=(--perms 0700 --dir "$scratch" --perms 0700 --dir "$scratch/platform")
-  is_private "$prefix" && mounts+=(--bind "$prefix" "$prefix")
+  for tree in "$prefix" "${needed_trees[@]}"; do
+    is_private "$tree" && mounts+=(--bind "$tree" "$tree")
+  done
   [[ $store ]] && mounts+=(--bind "$store" "$store")
   for ((i = 0; i < ${#binds[@]}; i += 2)); do
     mounts+=(--ro-bind "${binds[i]}" "${binds[i + 1]}")
