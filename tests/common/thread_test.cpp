@@ -1,6 +1,5 @@
 #include <errno.h>
 #include <gmock/gmock.h>
-#include <limits.h>
 #include <orv/thread.h>
 #include <signal.h>
 #include <string.h>
@@ -156,7 +155,7 @@ TEST_F(Thread, IsNotMadeWhenAStepFails) {
     EXPECT_EQ(calls["pthread_attr_destroy"], faults.contains("pthread_attr_init") ? 0 : 1);
   }
   faults.clear();
-  EXPECT_EQ(create(INT_MIN), -1);
+  EXPECT_EQ(create(-1), -1);  // more than there is, on any architecture
   EXPECT_EQ(take_messages().size(), 2U);
   faults["pthread_create"] = EPERM;
   EXPECT_EQ(create(0), -1);

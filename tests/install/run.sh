@@ -35,7 +35,7 @@ emulate() {
       "$1/target-bin/$name" >"$program"
     chmod +x "$program"
   done
-  cp "$BUILD"/lib/orv-camera/{ps,cat} "$1/lib/orv-camera/"
+  cp "$BUILD"/lib/orv-camera/{ps,cat,needed-trees} "$1/lib/orv-camera/"
 }
 
 compile_c() {
