@@ -69,11 +69,10 @@ root_check check_root(const std::string& path) {
 
 int open_root(bool make, root_check& why) {
   const std::string path = root_path();
-  if (make && mkdir(path.c_str(), S_IRWXU) != 0 && errno != EEXIST) {
-    why = failure(path, errno);
-    return -1;
+  int fd = open_directory(path);
+  if (fd < 0 && errno == ENOENT && make && (mkdir(path.c_str(), S_IRWXU) == 0 || errno == EEXIST)) {
+    fd = open_directory(path);
   }
-  const int fd = open_directory(path);
   if (fd < 0) {
     why = failure(path, errno);
     return -1;

@@ -256,6 +256,20 @@ TEST_F(Store, WatchesAgainAfterTheTreeWasRemoved) {
   EXPECT_TRUE(seen.reaches(before + 1));
 }
 
+TEST_F(Store, StaysWithItsRootWhenAnotherTakesItsName) {
+  const counter seen{"memory/known"};
+  const fs::path moved = root().string() + "-moved";
+  fs::rename(root(), moved);
+  fs::create_directories(root() / "memory/new");
+  const counter seen_afterwards{"memory/new"};
+  vconf_set_int("memory/known", 1);
+  vconf_set_int("memory/new", 1);
+  EXPECT_TRUE(seen.reaches(1));
+  EXPECT_TRUE(seen_afterwards.reaches(1));
+  fs::remove_all(root());
+  fs::rename(moved, root());
+}
+
 // A value that says of itself whether it is whole.
 std::string self_describing(uint32_t seed) {
   const size_t length = 1 + seed % 100'000;
