@@ -112,16 +112,27 @@ class answer_watch {
   std::optional<answer> answer_;
 };
 
+// What a key holds already is left alone: most parameters are what they were, and a look takes a
+// fifth of a write.
+bool put(const char* key, int number) {
+  int found = 0;
+  return (vconf_get_int(key, &found) == 0 && found == number) || vconf_set_int(key, number) == 0;
+}
+
+bool put(const char* key, const std::string& text) {
+  return read_text(key) == text || vconf_set_str(key, text.c_str()) == 0;
+}
+
 bool write_command(const command& sent) {
   constexpr const char* parameter_keys[] = {
       VCONFKEY_ORV_COMMAND_PARAM1, VCONFKEY_ORV_COMMAND_PARAM2, VCONFKEY_ORV_COMMAND_PARAM3,
       VCONFKEY_ORV_COMMAND_PARAM4};
   for (size_t i = 0; i < sent.parameters.size(); ++i) {
-    if (vconf_set_int(parameter_keys[i], sent.parameters[i]) != 0) {
+    if (!put(parameter_keys[i], sent.parameters[i])) {
       return false;
     }
   }
-  return vconf_set_str(VCONFKEY_ORV_COMMAND_DATA, sent.data.c_str()) == 0 &&
+  return put(VCONFKEY_ORV_COMMAND_DATA, sent.data) &&
          vconf_set_int(VCONFKEY_ORV_COMMAND, sent.code) == 0;
 }
 
