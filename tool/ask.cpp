@@ -1,8 +1,9 @@
+#include "ask.h"
+
 #include <stdio.h>
 
 #include "command_names.h"
 #include "printable.h"
-#include "subcommand.h"
 
 #include <orv/protocol.h>
 #include <platform_root.h>

@@ -3,9 +3,12 @@
 #include <platform_root.h>
 #include <stdlib.h>
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iterator>
 #include <string_view>
+
+#include "subcommands.h"
 
 namespace orvctl {
 namespace {
@@ -92,6 +95,18 @@ void describe_program(CLI::App& app, context& shared, std::span<char* const> wor
     }
   }
   app.footer(footer);  // last: subcommands take over the one that stands when they are added
+}
+
+int run_program(std::span<char* const> words) {
+  CLI::App app;
+  context shared;
+  describe_program(app, shared, words);
+  try {
+    app.parse(static_cast<int>(words.size()), words.data());
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? status_success : status_usage;
+  }
+  return shared.status;
 }
 
 }  // namespace orvctl

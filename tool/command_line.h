@@ -2,16 +2,23 @@
 #ifndef ORV_TOOL_COMMAND_LINE_H
 #define ORV_TOOL_COMMAND_LINE_H
 
-#include <CLI/CLI.hpp>
 #include <span>
 
-#include "subcommand.h"
+#include "context.h"
+
+namespace CLI {
+class App;
+}
 
 namespace orvctl {
 
 // Parsing `app` fills `shared` and runs the subcommand that was given. Of the subcommands those are
 // described that the words can mean: a description costs more than most commands.
 void describe_program(CLI::App& app, context& shared, std::span<char* const> words = {});
+
+// Parses the words, of which the first is the program's name, and runs the subcommand. The exit
+// status.
+int run_program(std::span<char* const> words);
 
 }  // namespace orvctl
 

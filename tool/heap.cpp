@@ -2,14 +2,12 @@
 
 #include <stdio.h>
 
-#include <CLI/CLI.hpp>
-#include <memory>
 #include <nlohmann/json.hpp>
 
+#include "ask.h"
 #include "command_names.h"
 #include "memory_size.h"
 #include "numbers.h"
-#include "subcommand.h"
 
 #include <orv/protocol.h>
 
@@ -25,19 +23,6 @@ void print_table(const heap& found) {
   printf("total  %s (%u bytes)\n", memory_size(found.total_bytes).c_str(), found.total_bytes);
 }
 
-void run(context& shared, bool json) {
-  const auto answered = ask(shared, {ORV_COMMAND_HEAP_INFO, {}, {}});
-  if (!answered) {
-    return;
-  }
-  const auto found = parse_heap(*answered->text);
-  if (!found) {
-    refuse_answer(shared, "memory summary", *answered->text);
-    return;
-  }
-  json ? print_json(*found) : print_table(*found);
-}
-
 }  // namespace
 
 std::optional<heap> parse_heap(std::string_view text) {
@@ -49,14 +34,17 @@ std::optional<heap> parse_heap(std::string_view text) {
   return total ? std::optional{heap{static_cast<uint32_t>(*total)}} : std::nullopt;
 }
 
-void add_heap(CLI::App& app, context& shared) {
-  CLI::App* heap = app.add_subcommand("heap", "Ask how much memory the target has");
-  heap->footer(
-      "The protocol carries 32 bits: of 4 GiB and more, the amount beyond the last whole\n"
-      "4 GiB is shown.");
-  const auto json = std::make_shared<bool>(false);
-  heap->add_flag("--json", *json, "Print a JSON object");
-  heap->callback([&shared, json] { run(shared, *json); });
+void show_heap(context& shared, bool json) {
+  const auto answered = ask(shared, {ORV_COMMAND_HEAP_INFO, {}, {}});
+  if (!answered) {
+    return;
+  }
+  const auto found = parse_heap(*answered->text);
+  if (!found) {
+    refuse_answer(shared, "memory summary", *answered->text);
+    return;
+  }
+  json ? print_json(*found) : print_table(*found);
 }
 
 }  // namespace orvctl

@@ -2,7 +2,7 @@
 
 #include <stdio.h>
 
-#include "subcommand.h"
+#include "ask.h"
 
 #include <orv/protocol.h>
 

@@ -3,13 +3,5 @@
 #include "command_line.h"
 
 int main(int argc, char** argv) {
-  CLI::App app;
-  orvctl::context shared;
-  orvctl::describe_program(app, shared, {argv, static_cast<size_t>(argc)});
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? orvctl::status_success : orvctl::status_usage;
-  }
-  return shared.status;
+  return orvctl::run_program({argv, static_cast<size_t>(argc)});
 }

@@ -10,6 +10,8 @@
 
 namespace orvctl {
 
+constexpr int default_cpu_interval_ms = 250;
+
 struct monitor_kind {
   std::string_view name;
   int type;

@@ -1,14 +1,15 @@
+#include "monitor_watch.h"
+
 #include <signal.h>
 #include <stdio.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
 
+#include "ask.h"
 #include "item_text.h"
-#include "monitor_options.h"
 #include "numbers.h"
-#include "subcommand.h"
+#include "stack.h"
 #include "thread_list.h"
 #include "watch_progress.h"
 #include "watch_session.h"
@@ -19,22 +20,6 @@
 namespace orvctl {
 namespace {
 
-// The tool waits for a tick of the slowest monitor to empty the key behind it. Any longer, and the
-// others could fill the packet meanwhile, and a query would give up waiting for the key.
-constexpr int longest_interval_ms = 4000;
-
-// For a tick of the stack monitor the target runs a shell command a thread.
-constexpr double stack_timeout_s = 30;
-constexpr auto stack_timeout = std::chrono::seconds{30};
-
-struct options {
-  std::vector<std::string> monitors;
-  int interval_ms = default_cpu_interval_ms;
-  std::string duration;
-  bool json = false;
-  std::string csv_path;
-};
-
 struct file_closer {
   void operator()(FILE* file) const noexcept { fclose(file); }
 };
@@ -43,7 +28,7 @@ using file = std::unique_ptr<FILE, file_closer>;
 // Where the items go: standard output or the CSV file.
 class item_output {
  public:
-  explicit item_output(const options& given)
+  explicit item_output(const watch_options& given)
       : csv_{given.csv_path.empty() ? nullptr : fopen(given.csv_path.c_str(), "we")},
         to_text_{csv_ ? to_csv : (given.json ? to_json : to_line)} {
     if (csv_) {
@@ -79,12 +64,7 @@ std::map<int, std::string> thread_names(const watch_session& session) {
   return names;
 }
 
-bool watches(const options& given, std::string_view name) {
-  const auto& names = given.monitors;
-  return names.empty() || std::find(names.begin(), names.end(), name) != names.end();
-}
-
-watch_settings settings_of(const options& given) {
+watch_settings settings_of(const watch_options& given) {
   watch_settings settings{{}, given.interval_ms, {}, {}, {}};
   for (const monitor_kind& kind : monitor_kinds) {
     if (watches(given, kind.name)) {
@@ -103,7 +83,7 @@ void name_threads(const watch_session& session, watch_summary& summary) {
   }
 }
 
-void watch(context& shared, const options& given, const item_output& output) {
+void watch(context& shared, const watch_options& given, const item_output& output) {
   watch_settings settings = settings_of(given);
   watch_progress progress{settings.duration};
   watch_summary summary;
@@ -129,7 +109,14 @@ void watch(context& shared, const options& given, const item_output& output) {
   fputs((given.json ? summary.to_json() : summary.to_lines()).c_str(), stdout);
 }
 
-void run(context& shared, const options& given) {
+}  // namespace
+
+bool watches(const watch_options& given, std::string_view name) {
+  const auto& names = given.monitors;
+  return names.empty() || std::find(names.begin(), names.end(), name) != names.end();
+}
+
+void watch_monitors(context& shared, const watch_options& given) {
   const item_output output{given};
   if (!given.csv_path.empty() && !output.has_csv()) {
     perror(("orvctl: " + given.csv_path).c_str());
@@ -138,38 +125,6 @@ void run(context& shared, const options& given) {
     signal(SIGPIPE, SIG_IGN);  // a reader that has enough ends the watch in good order
     watch(shared, given, output);
   }
-}
-
-std::string check_duration(const std::string& text) {
-  return parse_duration(text) ? "" : "\"" + text + "\" is no time, as in 30s, 500ms, 2m or 1h";
-}
-
-}  // namespace
-
-void add_monitor_watch(CLI::App& app, CLI::App& monitor, context& shared) {
-  const auto given = std::make_shared<options>();
-  CLI::App* watch = monitor.add_subcommand("watch", "Run monitors and show what they see");
-  watch->footer(
-      "Without a MONITOR all three are watched, without --for until Ctrl-C. Monitors that ran\n"
-      "before are stopped, and so are the watched ones at the end. Meanwhile other orvctl\n"
-      "commands work but for those to the monitors; a query waits for a tick of the slowest\n"
-      "monitor. Times are since the agent's start, free memory is told modulo 4 GiB. A tick of\n"
-      "stack takes the target about 20 ms for each of its threads: unless --timeout says\n"
-      "otherwise, an answer is waited for 30 s then. Exit status 1: items may be missing.");
-  watch->add_option("MONITOR", given->monitors, "cpu, heap, stack")->check(is_monitor());
-  watch->add_option("--for", given->duration, "How long, as in 30s, 500ms, 2m or 1h")
-      ->check(CLI::Validator{check_duration, ""});
-  const CLI::Option* interval = add_interval(*watch, given->interval_ms, longest_interval_ms);
-  CLI::Option* json = watch->add_flag("--json", given->json, "Print a JSON object a line");
-  watch->add_option("--csv", given->csv_path, "Write the items as CSV into this file instead")
-      ->excludes(json);
-  watch->callback([&app, &shared, interval, given] {
-    refuse_interval_without_cpu(*interval, watches(*given, "cpu"));
-    if (watches(*given, "stack") && app.get_option("--timeout")->count() == 0) {
-      shared.timeout_s = stack_timeout_s;
-    }
-    run(shared, *given);
-  });
 }
 
 }  // namespace orvctl

@@ -1,34 +1,19 @@
+#include "stack.h"
+
 #include <stdio.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
-#include <map>
-#include <memory>
 #include <nlohmann/json.hpp>
 
+#include "ask.h"
 #include "memory_size.h"
 #include "numbers.h"
 #include "printable.h"
-#include "subcommand.h"
-#include "thread_list.h"
 
 #include <orv/protocol.h>
 
 namespace orvctl {
 namespace {
-
-const std::map<std::string, sort_key> sort_names = {{"tid", sort_key::tid},
-                                                    {"name", sort_key::name},
-                                                    {"size", sort_key::size},
-                                                    {"base", sort_key::base}};
-
-struct options {
-  std::string sort = "tid";
-  bool json = false;
-};
-
-// The target runs a shell command a thread.
-constexpr double default_timeout_s = 30;
 
 uint32_t largest_size(const std::vector<thread_stack>& threads) {
   uint32_t largest = 0;
@@ -75,7 +60,9 @@ void print_json(const thread_list& list) {
   puts(whole.dump(2, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
 }
 
-void run(context& shared, const options& given) {
+}  // namespace
+
+void show_stacks(context& shared, sort_key order, bool json) {
   const auto answered = ask(shared, {ORV_COMMAND_STACK_INFO, {}, {}});
   if (!answered) {
     return;
@@ -85,28 +72,8 @@ void run(context& shared, const options& given) {
     refuse_answer(shared, "thread list", *answered->text);
     return;
   }
-  sort_threads(list->threads, sort_names.at(given.sort));
-  given.json ? print_json(*list) : print_table(*list);
-}
-
-}  // namespace
-
-void add_stack(CLI::App& app, context& shared) {
-  CLI::App* stack = app.add_subcommand("stack", "Ask for the stack of every thread on the target");
-  stack->footer(
-      "\"?\" (null in JSON): the target could not tell. The target needs about 20 ms for each\n"
-      "of its threads, so this waits 30 s for an answer unless --timeout says otherwise.");
-  const auto given = std::make_shared<options>();
-  stack->add_option("--sort", given->sort, "Order of the threads")
-      ->check(CLI::IsMember(sort_names))
-      ->capture_default_str();
-  stack->add_flag("--json", given->json, "Print a JSON object");
-  stack->callback([&app, &shared, given] {
-    if (app.get_option("--timeout")->count() == 0) {
-      shared.timeout_s = default_timeout_s;
-    }
-    run(shared, *given);
-  });
+  sort_threads(list->threads, order);
+  json ? print_json(*list) : print_table(*list);
 }
 
 }  // namespace orvctl

@@ -2,14 +2,12 @@
 
 #include <stdio.h>
 
-#include <CLI/CLI.hpp>
-#include <memory>
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "ask.h"
 #include "numbers.h"
 #include "printable.h"
-#include "subcommand.h"
 
 #include <orv/protocol.h>
 
@@ -57,19 +55,6 @@ void print_json(const target& found) {
   puts(object.dump(2, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
 }
 
-void run(context& shared, bool json) {
-  const auto answered = ask(shared, {ORV_COMMAND_TARGET_INFO, {}, {}});
-  if (!answered) {
-    return;
-  }
-  const auto found = parse_target(*answered->text);
-  if (!found) {
-    refuse_answer(shared, "target identity", *answered->text);
-    return;
-  }
-  json ? print_json(*found) : print_table(*found);
-}
-
 }  // namespace
 
 std::optional<target> parse_target(std::string_view text) {
@@ -94,11 +79,17 @@ std::optional<target> parse_target(std::string_view text) {
                 std::string{*build_type}, *number};
 }
 
-void add_target(CLI::App& app, context& shared) {
-  CLI::App* target = app.add_subcommand("target", "Ask the target who it is");
-  const auto json = std::make_shared<bool>(false);
-  target->add_flag("--json", *json, "Print a JSON object");
-  target->callback([&shared, json] { run(shared, *json); });
+void show_target(context& shared, bool json) {
+  const auto answered = ask(shared, {ORV_COMMAND_TARGET_INFO, {}, {}});
+  if (!answered) {
+    return;
+  }
+  const auto found = parse_target(*answered->text);
+  if (!found) {
+    refuse_answer(shared, "target identity", *answered->text);
+    return;
+  }
+  json ? print_json(*found) : print_table(*found);
 }
 
 }  // namespace orvctl

@@ -1,4 +1,4 @@
-// The answer to the target query.
+// The target query and its answer.
 #ifndef ORV_TOOL_TARGET_H
 #define ORV_TOOL_TARGET_H
 
@@ -7,6 +7,8 @@
 #include <string_view>
 
 namespace orvctl {
+
+struct context;
 
 struct target {
   std::string category;
@@ -22,6 +24,9 @@ struct target {
 // Empty when the text has not the eight fields. Commas are not escaped; those beyond seven are
 // taken as the firmware version's.
 std::optional<target> parse_target(std::string_view text);
+
+// Asks the target who it is and prints it as a table or as a JSON object.
+void show_target(context& shared, bool json);
 
 }  // namespace orvctl
 

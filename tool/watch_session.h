@@ -21,10 +21,10 @@
 #include <optional>
 #include <vector>
 
+#include "ask.h"
 #include "monitor_kind.h"
 #include "packet_follower.h"
 #include "packet_right.h"
-#include "subcommand.h"
 
 namespace orvctl {
 
