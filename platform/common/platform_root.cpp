@@ -41,6 +41,11 @@ root_check failure(const std::string& path, int error) {
           path + ": " + strerror(error) + (missing ? "; is a host running on it?" : "")};
 }
 
+root_check failed_making(const std::string& path, int error) {
+  const char* const advice = error == ENOENT ? "; is the directory above it there?" : "";
+  return {root_state::refused, path + ": " + strerror(error) + advice};
+}
+
 int open_directory(const std::string& path) {
   return open(path.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
 }
@@ -74,7 +79,7 @@ int open_root(bool make, root_check& why) {
     fd = open_directory(path);
   }
   if (fd < 0) {
-    why = failure(path, errno);
+    why = make ? failed_making(path, errno) : failure(path, errno);
     return -1;
   }
   struct stat status {};

@@ -90,15 +90,24 @@ bool is_named(int root, const std::string& path) {
          opened.st_ino == named.st_ino && opened.st_dev == named.st_dev;
 }
 
+int add_watch_below(const std::string& root_name, std::string_view key, uint32_t mask) {
+  const std::string path = root_name + "/" + std::string{key};
+  return inotify_add_watch(inotify_fd, path.c_str(), mask);
+}
+
 // By the root's name, where that still means this root: the first look through /proc/self in a
 // process takes longer than all that a test tool sends.
 int add_watch(int root, std::string_view key, uint32_t mask) {
-  std::string path = platform::root_path();
-  if (!is_named(root, path)) {
-    path = "/proc/self/fd/" + std::to_string(root);
+  const std::string name = platform::root_path();
+  const int watch = add_watch_below(name, key, mask);
+  const bool too_long = watch == not_watched && errno == ENAMETOOLONG;
+  if (!too_long && is_named(root, name)) {
+    return watch;
   }
-  path.append("/").append(key);
-  return inotify_add_watch(inotify_fd, path.c_str(), mask);
+  if (watch != not_watched) {
+    inotify_rm_watch(inotify_fd, watch);
+  }
+  return add_watch_below("/proc/self/fd/" + std::to_string(root), key, mask);
 }
 
 int watch_made_directory(int root, const std::string& key) {

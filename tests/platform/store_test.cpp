@@ -337,6 +337,7 @@ TEST_F(Store, RefusesARootThatOthersCanReach) {
       {[&] { return make_open_to(0750); }, "is open to others (mode 0750)"},
       {[&] { return static_cast<bool>(std::ofstream{path} << "x"); }, "directory"},
       {[&] { return symlink("/dev/shm", path.c_str()) == 0; }, "directory"},
+      {[&] { return symlink("nowhere", path.c_str()) == 0; }, "directory"},
       // Only root can give a directory away.
       {[&] { return make_open_to(0700) && chown(path.c_str(), 12345, 12345) == 0; },
        "belongs to user 12345"},
