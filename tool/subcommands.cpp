@@ -1,9 +1,13 @@
 #include "subcommands.h"
 
+#include <orv/protocol.h>
+
 #include <CLI/CLI.hpp>
+#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
+#include <string>
 
 #include "command_names.h"
 #include "heap.h"
@@ -24,8 +28,7 @@ const std::map<std::string, sort_key> sort_names = {{"tid", sort_key::tid},
                                                     {"size", sort_key::size},
                                                     {"base", sort_key::base}};
 
-constexpr char places[] =
-    "The screen begins at 0 0; a negative number goes behind --, as in: -- -1 5";
+constexpr char places[] = "The screen's top left corner is 0 0.";
 
 std::shared_ptr<bool> add_json(CLI::App& command) {
   const auto json = std::make_shared<bool>(false);
@@ -156,13 +159,12 @@ void add_swipe(CLI::App& app, context& shared) {
 void add_send(CLI::App& app, context& shared) {
   const auto given = std::make_shared<send_options>();
   CLI::App* send = app.add_subcommand("send", "Send any command and print its answer");
-  send->footer("Negative numbers go behind --, as in: send 0x104 -- 3 1 -5 7");
   send->add_option("CODE", given->code, "Command: a name, or a number in decimal or hex (0x208)")
       ->required()
       ->check(CLI::Validator{check_code, "{" + name_list() + "}"});
   send->add_option("PARAMETER", given->parameters,
                    "Up to four integers, decimal or hex; 0 if not given")
-      ->expected(0, 4)
+      ->expected(1, 4)
       ->check(CLI::Validator{check_number, ""});
   send->add_option("--data", given->data, "The command's text");
   send->callback([&shared, given] { send_any(shared, *given); });

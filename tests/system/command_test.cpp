@@ -81,6 +81,37 @@ TEST_F(Camera, TellsItsIdentity) {
             std::string{"result 0\ndata   "} + identity + "\n");
 }
 
+TEST_F(Camera, FindsItsParametersAsTheToolWasGivenThem) {
+  const auto parameters = [] {
+    const std::unique_ptr<char, decltype(&free)> text{vconf_get_str(VCONFKEY_ORV_COMMAND_DATA),
+                                                      free};
+    return std::to_string(number_at(VCONFKEY_ORV_COMMAND_PARAM1)) + " " +
+           std::to_string(number_at(VCONFKEY_ORV_COMMAND_PARAM2)) + " " +
+           std::to_string(number_at(VCONFKEY_ORV_COMMAND_PARAM3)) + " " +
+           std::to_string(number_at(VCONFKEY_ORV_COMMAND_PARAM4)) + " " +
+           (text ? text.get() : "(none)");
+  };
+  vconf_set_str(VCONFKEY_ORV_COMMAND_PARAM1, "no number");
+  vconf_set_int(VCONFKEY_ORV_COMMAND_DATA, 5);
+  int written = 0;
+  const auto count = [](keynode_t*, void* seen) { ++*static_cast<int*>(seen); };
+  const auto send = [](std::vector<std::string> words) {
+    words.insert(words.begin(), {"orvctl", "send", "target_info"});
+    return run(words).status;
+  };
+  EXPECT_EQ(send({}), 0);
+  EXPECT_EQ(parameters(), "0 0 0 0 ");
+  EXPECT_EQ(send({"--data", "x", "--", "3", "-1"}), 0);
+  EXPECT_EQ(parameters(), "3 -1 0 0 x");
+  ASSERT_EQ(vconf_notify_key_changed(VCONFKEY_ORV_COMMAND_PARAM2, count, &written), 0);
+  EXPECT_EQ(send({"3", "-1", "0", "-7", "--data", "x"}), 0);
+  EXPECT_EQ(parameters(), "3 -1 0 -7 x");
+  vconf_set_int(VCONFKEY_ORV_COMMAND_PARAM2, 8);
+  EXPECT_TRUE(orv_test::run_until([&] { return written != 0; }));
+  EXPECT_EQ(written, 1) << "what the key held was written again";
+  vconf_ignore_key_changed(VCONFKEY_ORV_COMMAND_PARAM2, count);
+}
+
 TEST_F(Camera, IsSilentOnCodesWithoutAHandler) {
   for (const char* code : {"heartbeat", "0x999", "0"}) {
     SCOPED_TRACE(code);
@@ -171,6 +202,9 @@ TEST(Tool, TellsWrongUsageInOneLine) {
 }
 
 TEST(Host, TellsWhyItCannotStart) {
+  const outcome homeless = run({"env", "ORV_PLATFORM_ROOT=/nonexistent/root", "orv-host"});
+  EXPECT_EQ(homeless.status, 1);
+  EXPECT_THAT(homeless.err, HasSubstr("/nonexistent/root: No such file or directory; is the"));
   const outcome missing = run({"orv-host", "--library", "/nonexistent.so"});
   EXPECT_EQ(missing.status, 1);
   EXPECT_THAT(missing.err, HasSubstr("/nonexistent.so: cannot open"));
