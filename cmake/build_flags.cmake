@@ -10,7 +10,7 @@ set(CMAKE_C_VISIBILITY_PRESET hidden)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 # A tree works wherever it is put, the build tree too, which has the same shape. Programs name one
-# directory alone, since the dynamic linker looks through each in a dozen ways; libraries say more
+# directory at most, since the dynamic linker looks through each in a dozen ways; libraries say more
 # where they are made.
 set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
 set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)

@@ -45,7 +45,7 @@ find the library with pkg-config (orv-agent) or CMake (orv::agent).")
 
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME orv-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)
-set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS ${platform})
+set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS ${platform}) # the log's reader, for orvctl log
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS liborv-agent)
 set(CPACK_COMPONENT_TOOLS_DESCRIPTION "test tool for a camera's on-device agent
 orvctl sends commands to the agent through the platform's key-value store and

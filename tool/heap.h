@@ -6,9 +6,9 @@
 #include <optional>
 #include <string_view>
 
-namespace orvctl {
+#include "context.h"
 
-struct context;
+namespace orvctl {
 
 struct heap {
   uint32_t total_bytes;  // modulo 4 GiB

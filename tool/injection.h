@@ -4,11 +4,10 @@
 
 #include <string>
 
+#include "context.h"
 #include "exchange.h"
 
 namespace orvctl {
-
-struct context;
 
 // Sends an event command and tells the agent's verdict on `what` was to happen, a bad one on
 // standard error. A bad verdict becomes the exit status, and stays it when a good one follows.

@@ -7,7 +7,7 @@
 namespace orvctl {
 
 // Becomes the platform's log reader, which prints the agent's records; with `dump` it ends behind
-// the last one. Returns only when that fails.
+// the last one. Returns only when the store or that fails, which it tells.
 void show_log(context& shared, bool dump);
 
 }  // namespace orvctl

@@ -1,8 +1,10 @@
 #include <CLI/CLI.hpp>
 #include <limits>
 #include <memory>
+#include <string>
 
 #include "monitor.h"
+#include "monitor_kind.h"
 #include "monitor_watch.h"
 #include "numbers.h"
 #include "subcommands.h"

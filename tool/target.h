@@ -6,9 +6,9 @@
 #include <string>
 #include <string_view>
 
-namespace orvctl {
+#include "context.h"
 
-struct context;
+namespace orvctl {
 
 struct target {
   std::string category;

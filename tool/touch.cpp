@@ -1,5 +1,7 @@
 #include "touch.h"
 
+#include <orv/protocol.h>
+
 #include <string>
 
 #include "injection.h"

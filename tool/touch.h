@@ -2,8 +2,6 @@
 #ifndef ORV_TOOL_TOUCH_H
 #define ORV_TOOL_TOUCH_H
 
-#include <orv/protocol.h>
-
 #include <initializer_list>
 
 #include "context.h"

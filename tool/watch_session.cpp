@@ -11,6 +11,7 @@
 #include <memory>
 #include <utility>
 
+#include "ask.h"
 #include "printable.h"
 
 #include <orv/protocol.h>

@@ -21,7 +21,8 @@
 #include <optional>
 #include <vector>
 
-#include "ask.h"
+#include "context.h"
+#include "exchange.h"
 #include "monitor_kind.h"
 #include "packet_follower.h"
 #include "packet_right.h"
