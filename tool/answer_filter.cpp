@@ -31,7 +31,7 @@ answer_filter::answer_filter(const command& sent)
       text_start_{describe(sent.code).text_start},
       results_left_{results_of(sent)} {}
 
-void answer_filter::command_seen() {
+void answer_filter::command_sent() {
   sent_ = true;
 }
 

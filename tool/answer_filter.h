@@ -22,8 +22,8 @@ class answer_filter {
  public:
   explicit answer_filter(const command& sent);
 
-  // The command key was written. What came before it answers something else.
-  void command_seen();
+  // The command is about to be written. What came before answers something else.
+  void command_sent();
   // The result data key was written and now holds this text.
   void text_seen(std::optional<std::string> text);
   // The result key was written and now holds this number. The answer, once it is complete.

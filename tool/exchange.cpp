@@ -24,7 +24,7 @@ std::optional<std::string> read_text(const char* key) {
   return text ? std::optional<std::string>{text.get()} : std::nullopt;
 }
 
-// Watches the three keys while it lives.
+// Watches the keys of the answer while it lives.
 class answer_watch {
  public:
   explicit answer_watch(const command& sent) : filter_{sent} {
@@ -53,17 +53,31 @@ class answer_watch {
     }
   }
 
+  // To be called right before the command is written: what is in the queue by now answers something
+  // else. The command's own change would tell too late, since the kernel tells the watchers of a
+  // change one by one: an agent told first, on another processor, can have answered before the tool
+  // is told of what it wrote.
+  void expect_answer() {
+    take_changes();
+    filter_.command_sent();
+  }
+
   std::optional<answer> wait(milliseconds timeout) {
     run_until([this] { return answer_.has_value(); }, timeout);
-    while (answer_ && g_main_context_iteration(nullptr, FALSE) != FALSE) {
+    if (answer_) {
+      take_changes();
     }
     return answer_;
   }
 
  private:
   // The result before the text, so that no text is seen without its result.
-  static constexpr const char* keys[] = {VCONFKEY_ORV_COMMAND, VCONFKEY_ORV_RESULT,
-                                         VCONFKEY_ORV_RESULT_DATA};
+  static constexpr const char* keys[] = {VCONFKEY_ORV_RESULT, VCONFKEY_ORV_RESULT_DATA};
+
+  static void take_changes() {
+    while (g_main_context_iteration(nullptr, FALSE) != FALSE) {
+    }
+  }
 
   template <class Condition>
   static void run_until(Condition condition, milliseconds timeout) {
@@ -93,9 +107,7 @@ class answer_watch {
     }
     seen_change_ = true;
     half_tick_ = key == VCONFKEY_ORV_RESULT_DATA;
-    if (key == VCONFKEY_ORV_COMMAND) {
-      filter_.command_seen();
-    } else if (key == VCONFKEY_ORV_RESULT_DATA) {
+    if (key == VCONFKEY_ORV_RESULT_DATA) {
       filter_.text_seen(read_text(VCONFKEY_ORV_RESULT_DATA));
     } else {
       int result = 0;
@@ -123,7 +135,7 @@ bool put(const char* key, const std::string& text) {
   return read_text(key) == text || vconf_set_str(key, text.c_str()) == 0;
 }
 
-bool write_command(const command& sent) {
+bool write_parameters(const command& sent) {
   constexpr const char* parameter_keys[] = {
       VCONFKEY_ORV_COMMAND_PARAM1, VCONFKEY_ORV_COMMAND_PARAM2, VCONFKEY_ORV_COMMAND_PARAM3,
       VCONFKEY_ORV_COMMAND_PARAM4};
@@ -132,8 +144,7 @@ bool write_command(const command& sent) {
       return false;
     }
   }
-  return put(VCONFKEY_ORV_COMMAND_DATA, sent.data) &&
-         vconf_set_int(VCONFKEY_ORV_COMMAND, sent.code) == 0;
+  return put(VCONFKEY_ORV_COMMAND_DATA, sent.data);
 }
 
 exchange_outcome send_and_wait(const command& sent, milliseconds timeout, bool between_ticks) {
@@ -141,7 +152,11 @@ exchange_outcome send_and_wait(const command& sent, milliseconds timeout, bool b
   if (watch.watching() && !between_ticks) {
     watch.join_between_ticks(timeout);
   }
-  if (!watch.watching() || !write_command(sent)) {
+  if (!watch.watching() || !write_parameters(sent)) {
+    return {exchange_error::store_failed, {}};
+  }
+  watch.expect_answer();
+  if (vconf_set_int(VCONFKEY_ORV_COMMAND, sent.code) != 0) {
     return {exchange_error::store_failed, {}};
   }
   std::optional<answer> answered = watch.wait(timeout);

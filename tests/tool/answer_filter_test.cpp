@@ -17,7 +17,7 @@ std::string taken(const command& sent, const std::vector<std::string>& changes) 
   answer_filter filter{sent};
   for (const std::string& change : changes) {
     if (change == "cmd") {
-      filter.command_seen();
+      filter.command_sent();
     } else if (change.starts_with("data ")) {
       filter.text_seen(change.substr(5));
     } else if (const auto answered = filter.result_seen(std::stoi(change.substr(7)))) {
