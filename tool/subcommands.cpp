@@ -31,7 +31,7 @@ const std::map<std::string, sort_key> sort_names = {{"tid", sort_key::tid},
 constexpr char places[] = "The screen's top left corner is 0 0.";
 
 std::shared_ptr<bool> add_json(CLI::App& command) {
-  const auto json = std::make_shared<bool>(false);
+  auto json = std::make_shared<bool>(false);
   command.add_flag("--json", *json, "Print a JSON object");
   return json;
 }
