@@ -9,7 +9,7 @@ libvconf.so.0
 libversion-info.so.0' "$(grep -vxE "$runtime" needed | LC_ALL=C sort)"
 
 # The tool loads no library of this project's, so it looks for none.
-readelf -d "$BUILD/bin/orvctl" >orvctl.dynamic
+readelf -d "$BUILD/${SYSROOT:+target-}bin/orvctl" >orvctl.dynamic
 sed -n 's/.*(NEEDED).*\[\(.*\)\]$/\1/p' orvctl.dynamic >orvctl.needed
 expect "the tool's libraries beside the runtime" 'libglib-2.0.so.0' \
   "$(grep -vxE "$runtime" orvctl.needed)"
