@@ -35,15 +35,13 @@ root_check judge(const std::string& path, const struct stat& status) {
   return {root_state::usable, {}};
 }
 
-root_check failure(const std::string& path, int error) {
-  const bool missing = error == ENOENT;
-  return {missing ? root_state::missing : root_state::refused,
-          path + ": " + strerror(error) + (missing ? "; is a host running on it?" : "")};
-}
-
-root_check failed_making(const std::string& path, int error) {
-  const char* const advice = error == ENOENT ? "; is the directory above it there?" : "";
-  return {root_state::refused, path + ": " + strerror(error) + advice};
+root_check failure(const std::string& path, int error, bool make) {
+  const std::string reason = path + ": " + strerror(error);
+  if (error != ENOENT) {
+    return {root_state::refused, reason};
+  }
+  return make ? root_check{root_state::refused, reason + "; is the directory above it there?"}
+              : root_check{root_state::missing, reason + "; is a host running on it?"};
 }
 
 int open_directory(const std::string& path) {
@@ -67,7 +65,7 @@ std::string root_path() {
 root_check check_root(const std::string& path) {
   struct stat status {};
   if (lstat(path.c_str(), &status) != 0) {
-    return failure(path, errno);
+    return failure(path, errno, false);
   }
   return judge(path, status);
 }
@@ -79,11 +77,11 @@ int open_root(bool make, root_check& why) {
     fd = open_directory(path);
   }
   if (fd < 0) {
-    why = make ? failed_making(path, errno) : failure(path, errno);
+    why = failure(path, errno, make);
     return -1;
   }
   struct stat status {};
-  why = fstat(fd, &status) == 0 ? judge(path, status) : failure(path, errno);
+  why = fstat(fd, &status) == 0 ? judge(path, status) : failure(path, errno, make);
   if (why.state != root_state::usable) {
     close(fd);
     return -1;
