@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "context.h"
 #include "exchange.h"
@@ -16,6 +17,21 @@ std::optional<answer> ask(context& shared, const command& sent);
 
 // Tells that an answer's text is no `what`; the exit status becomes failure.
 void refuse_answer(context& shared, const char* what, const std::string& text);
+
+// Asks a query and parses its text, a `what`. Empty without an answer or when the text is none.
+template <class Parse>
+auto ask_for(context& shared, const char* what, int query, Parse parse)
+    -> decltype(parse(std::string_view{})) {
+  const auto answered = ask(shared, {query, {}, {}});
+  if (!answered) {
+    return std::nullopt;
+  }
+  auto found = parse(*answered->text);
+  if (!found) {
+    refuse_answer(shared, what, *answered->text);
+  }
+  return found;
+}
 
 // What `ask` is made of, for who asks more than one thing: the first sets the exit status, the
 // second returns it.

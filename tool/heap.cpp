@@ -35,16 +35,9 @@ std::optional<heap> parse_heap(std::string_view text) {
 }
 
 void show_heap(context& shared, bool json) {
-  const auto answered = ask(shared, {ORV_COMMAND_HEAP_INFO, {}, {}});
-  if (!answered) {
-    return;
+  if (const auto found = ask_for(shared, "memory summary", ORV_COMMAND_HEAP_INFO, parse_heap)) {
+    json ? print_json(*found) : print_table(*found);
   }
-  const auto found = parse_heap(*answered->text);
-  if (!found) {
-    refuse_answer(shared, "memory summary", *answered->text);
-    return;
-  }
-  json ? print_json(*found) : print_table(*found);
 }
 
 }  // namespace orvctl

@@ -17,13 +17,8 @@ struct monitor_options {
   int interval_ms = default_cpu_interval_ms;
 };
 
-CLI::Validator is_monitor() {
-  return {[](const std::string& name) {
-            return find_monitor(name) != nullptr
-                       ? ""
-                       : "no monitor \"" + name + "\"; cpu, heap or stack";
-          },
-          ""};
+std::string check_monitor(const std::string& name) {
+  return find_monitor(name) != nullptr ? "" : "no monitor \"" + name + "\"; cpu, heap or stack";
 }
 
 std::string check_duration(const std::string& text) {
@@ -33,7 +28,7 @@ std::string check_duration(const std::string& text) {
 void add_name(CLI::App& command, monitor_options& given) {
   command.add_option("MONITOR", given.monitor, "cpu, heap or stack")
       ->required()
-      ->check(is_monitor());
+      ->check(CLI::Validator{check_monitor, ""});
 }
 
 CLI::Option* add_interval(CLI::App& command, int& interval_ms, int longest_ms) {
@@ -82,7 +77,8 @@ void add_watch(CLI::App& app, CLI::App& monitor, context& shared) {
       "monitor. Times are since the agent's start, free memory is told modulo 4 GiB. A tick of\n"
       "stack takes the target about 20 ms for each of its threads: unless --timeout says\n"
       "otherwise, an answer is waited for 30 s then. Exit status 1: items may be missing.");
-  watch->add_option("MONITOR", given->monitors, "cpu, heap, stack")->check(is_monitor());
+  watch->add_option("MONITOR", given->monitors, "cpu, heap, stack")
+      ->check(CLI::Validator{check_monitor, ""});
   watch->add_option("--for", given->duration, "How long, as in 30s, 500ms, 2m or 1h")
       ->check(CLI::Validator{check_duration, ""});
   const CLI::Option* interval = add_interval(*watch, given->interval_ms, longest_watch_interval_ms);

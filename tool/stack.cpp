@@ -63,17 +63,10 @@ void print_json(const thread_list& list) {
 }  // namespace
 
 void show_stacks(context& shared, sort_key order, bool json) {
-  const auto answered = ask(shared, {ORV_COMMAND_STACK_INFO, {}, {}});
-  if (!answered) {
-    return;
+  if (auto list = ask_for(shared, "thread list", ORV_COMMAND_STACK_INFO, parse_thread_list)) {
+    sort_threads(list->threads, order);
+    json ? print_json(*list) : print_table(*list);
   }
-  auto list = parse_thread_list(*answered->text);
-  if (!list) {
-    refuse_answer(shared, "thread list", *answered->text);
-    return;
-  }
-  sort_threads(list->threads, order);
-  json ? print_json(*list) : print_table(*list);
 }
 
 }  // namespace orvctl

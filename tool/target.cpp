@@ -80,16 +80,10 @@ std::optional<target> parse_target(std::string_view text) {
 }
 
 void show_target(context& shared, bool json) {
-  const auto answered = ask(shared, {ORV_COMMAND_TARGET_INFO, {}, {}});
-  if (!answered) {
-    return;
+  if (const auto found =
+          ask_for(shared, "target identity", ORV_COMMAND_TARGET_INFO, parse_target)) {
+    json ? print_json(*found) : print_table(*found);
   }
-  const auto found = parse_target(*answered->text);
-  if (!found) {
-    refuse_answer(shared, "target identity", *answered->text);
-    return;
-  }
-  json ? print_json(*found) : print_table(*found);
 }
 
 }  // namespace orvctl
