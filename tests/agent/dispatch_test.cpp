@@ -2,9 +2,9 @@
 #include <orv/agent.h>
 #include <orv/protocol.h>
 #include <sys/time.h>
-#include <vconf.h>
 
 #include "agent_probe.h"
+#include "keys.h"
 
 namespace {
 
@@ -12,7 +12,6 @@ using orv_test::fail;
 using orv_test::fault;
 using orv_test::int_at;
 using orv_test::put;
-using orv_test::run_until;
 using orv_test::take_messages;
 using orv_test::take_writes;
 using orv_test::text_at;
@@ -34,12 +33,9 @@ class Dispatch : public orv_test::AgentTest {
 
   // Everything that the store has to deliver is delivered.
   static void drain() {
-    int seen = 0;
-    const auto count = [](keynode_t*, void* times) { ++*static_cast<int*>(times); };
-    vconf_notify_key_changed("test/fence", count, &seen);
+    const orv_test::key_counter fence{"test/fence"};
     put("test/fence", 1);
-    EXPECT_TRUE(run_until([&] { return seen == 1; }));
-    vconf_ignore_key_changed("test/fence", count);
+    EXPECT_TRUE(fence.reaches(1));
   }
 
   static std::vector<std::string> messages_of(int code) {

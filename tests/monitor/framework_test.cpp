@@ -1,13 +1,12 @@
 #include <gmock/gmock.h>
 #include <orv/agent.h>
-#include <vconf.h>
 
+#include "keys.h"
 #include "monitor_probe.h"
 
 namespace {
 
 using orv_test::put;
-using orv_test::run_until;
 using orv_test::take_intervals;
 using orv_test::take_messages;
 using orv_test::take_writes;
@@ -25,12 +24,7 @@ class Framework : public orv_test::MonitorTest {
  protected:
   // The store tells of every write, the agent's own included.
   static bool ticks(int times) {
-    int seen = 0;
-    const auto count = [](keynode_t*, void* changes) { ++*static_cast<int*>(changes); };
-    vconf_notify_key_changed(VCONFKEY_ORV_RESULT_DATA, count, &seen);
-    const bool enough = run_until([&] { return seen >= times; }, 300 + 300 * times);
-    vconf_ignore_key_changed(VCONFKEY_ORV_RESULT_DATA, count);
-    return enough;
+    return orv_test::key_counter{VCONFKEY_ORV_RESULT_DATA}.reaches(times, 300 + 300 * times);
   }
 };
 

@@ -18,6 +18,7 @@
 #include <string>
 #include <vector>
 
+#include "keys.h"
 #include "main_loop.h"
 #include "process.h"
 
@@ -25,15 +26,12 @@ namespace {
 
 namespace fs = std::filesystem;
 using orv_test::background;
+using orv_test::key_counter;
 using orv_test::run_until;
+using orv_test::text_of;
 
 fs::path root() {
   return getenv("ORV_PLATFORM_ROOT");
-}
-
-std::string text_of(const char* key) {
-  const std::unique_ptr<char, decltype(&free)> text{vconf_get_str(key), free};
-  return text ? text.get() : "(none)";
 }
 
 int number_of(const char* key) {
@@ -42,36 +40,6 @@ int number_of(const char* key) {
   EXPECT_TRUE(outcome == 0 || number == 12345) << "touched on failure";
   return outcome == 0 ? number : outcome;
 }
-
-// Counts a key's notifications while it lives.
-class counter {
- public:
-  explicit counter(std::string key) : key_{std::move(key)} {
-    EXPECT_EQ(vconf_notify_key_changed(key_.c_str(), count, this), 0);
-  }
-  counter(const counter&) = delete;
-  counter& operator=(const counter&) = delete;
-  ~counter() { vconf_ignore_key_changed(key_.c_str(), count); }
-
-  [[nodiscard]] bool reaches(int expected) const {
-    return run_until([&] { return seen_ >= expected; });
-  }
-  [[nodiscard]] int seen() const { return seen_; }
-  [[nodiscard]] const std::string& last_name() const { return name_; }
-  [[nodiscard]] int last_type() const { return type_; }
-
- private:
-  static void count(keynode_t* node, void* self) {
-    auto& me = *static_cast<counter*>(self);
-    ++me.seen_;
-    me.name_ = vconf_keynode_get_name(node);
-    me.type_ = vconf_keynode_get_type(node);
-  }
-  std::string key_;
-  int seen_ = 0;
-  std::string name_;
-  int type_ = 0;
-};
 
 class Store : public testing::Test {
  protected:
@@ -133,8 +101,8 @@ TEST_F(Store, RefusesNamesThatLeaveItsTree) {
 }
 
 TEST_F(Store, DeliversEveryWriteOnce) {
-  const counter numbers{"memory/w/number"};
-  const counter texts{"memory/w/text"};
+  const key_counter numbers{"memory/w/number"};
+  const key_counter texts{"memory/w/text"};
   for (int i = 0; i < 500; ++i) {
     vconf_set_int("memory/w/number", 7);  // the same value, unread: must not merge
   }
@@ -149,7 +117,7 @@ TEST_F(Store, DeliversEveryWriteOnce) {
 }
 
 TEST_F(Store, DeliversTheWritesOfOtherProcesses) {
-  const counter seen{"memory/w"};
+  const key_counter seen{"memory/w"};
   const auto writer = [] {
     for (int i = 0; i < 300; ++i) {
       vconf_set_int("memory/w", i);
@@ -193,7 +161,7 @@ void answer_request(keynode_t* /*node*/, void* /*user_data*/) {
 
 TEST_F(Store, HoldsWhatItAnswersSoThatNoReadersEndWaits) {
   ASSERT_EQ(vconf_notify_key_changed("memory/request", answer_request, nullptr), 0);
-  const counter requests{"memory/request"};
+  const key_counter requests{"memory/request"};
   for (const char* removed : {"memory/none", "memory"}) {
     SCOPED_TRACE(removed);
     fs::remove_all(root() / removed);
@@ -205,7 +173,7 @@ TEST_F(Store, HoldsWhatItAnswersSoThatNoReadersEndWaits) {
                 testing::ElementsAre(testing::HasSubstr(" mask:400 ")));
   }
   vconf_ignore_key_changed("memory/request", answer_request);
-  const counter answers{"memory/answer"};
+  const key_counter answers{"memory/answer"};
   vconf_set_int("memory/answer", 2);
   EXPECT_TRUE(answers.reaches(1));
 }
@@ -213,7 +181,7 @@ TEST_F(Store, HoldsWhatItAnswersSoThatNoReadersEndWaits) {
 TEST_F(Store, EndsADeliveryWhenACallbackRemovesItself) {
   int calls = 0;
   ASSERT_EQ(vconf_notify_key_changed("memory/w", ignore_itself, &calls), 0);
-  const counter other{"memory/w"};
+  const key_counter other{"memory/w"};
   for (int i = 0; i < 3; ++i) {
     vconf_set_int("memory/w", i);
   }
@@ -226,8 +194,8 @@ TEST_F(Store, LooksAgainAfterTheEventQueueOverflowed) {
   std::ifstream limit_file{"/proc/sys/fs/inotify/max_queued_events"};
   int limit = 0;
   ASSERT_TRUE(limit_file >> limit);
-  const counter flooded{"memory/flooded"};
-  const counter late{"memory/late"};
+  const key_counter flooded{"memory/flooded"};
+  const key_counter late{"memory/late"};
   for (int i = 0; i < limit + 10; ++i) {
     ASSERT_EQ(vconf_set_int("memory/flooded", i), 0);
   }
@@ -239,7 +207,7 @@ TEST_F(Store, LooksAgainAfterTheEventQueueOverflowed) {
 }
 
 TEST_F(Store, WatchesAgainAfterTheTreeWasRemoved) {
-  const counter seen{"memory/deep/key"};
+  const key_counter seen{"memory/deep/key"};
   for (const char* removed : {"memory/deep/key", "memory", ""}) {
     SCOPED_TRACE(removed);
     const int before = seen.seen();
@@ -257,11 +225,11 @@ TEST_F(Store, WatchesAgainAfterTheTreeWasRemoved) {
 }
 
 TEST_F(Store, StaysWithItsRootWhenAnotherTakesItsName) {
-  const counter seen{"memory/known"};
+  const key_counter seen{"memory/known"};
   const fs::path moved = root().string() + "-moved";
   fs::rename(root(), moved);
   fs::create_directories(root() / "memory/new");
-  const counter seen_afterwards{"memory/new"};
+  const key_counter seen_afterwards{"memory/new"};
   vconf_set_int("memory/known", 1);
   vconf_set_int("memory/new", 1);
   EXPECT_TRUE(seen.reaches(1));
@@ -335,9 +303,9 @@ TEST_F(Store, RefusesARootThatOthersCanReach) {
   };
   const std::pair<std::function<bool()>, const char*> rows[] = {
       {[&] { return make_open_to(0750); }, "is open to others (mode 0750)"},
-      {[&] { return static_cast<bool>(std::ofstream{path} << "x"); }, "directory"},
-      {[&] { return symlink("/dev/shm", path.c_str()) == 0; }, "directory"},
-      {[&] { return symlink("nowhere", path.c_str()) == 0; }, "directory"},
+      {[&] { return static_cast<bool>(std::ofstream{path} << "x"); }, "ot a directory"},
+      {[&] { return symlink("/dev/shm", path.c_str()) == 0; }, "ot a directory"},
+      {[&] { return symlink("nowhere", path.c_str()) == 0; }, "ot a directory"},
       // Only root can give a directory away.
       {[&] { return make_open_to(0700) && chown(path.c_str(), 12345, 12345) == 0; },
        "belongs to user 12345"},

@@ -4,14 +4,13 @@
 #include <gtest/gtest.h>
 #include <orv/protocol.h>
 #include <signal.h>
-#include <stdlib.h>
 #include <vconf.h>
 
 #include <filesystem>
 #include <string>
 
 #include "emulation.h"
-#include "main_loop.h"
+#include "keys.h"
 #include "process.h"
 
 namespace {
@@ -63,14 +62,11 @@ int one_line(const outcome& told) {
 }
 
 TEST_F(Camera, AnswersEachOfManyCommandsOnce) {
-  int answers = 0;
-  const auto count = [](keynode_t*, void* seen) { ++*static_cast<int*>(seen); };
-  ASSERT_EQ(vconf_notify_key_changed(VCONFKEY_ORV_RESULT, count, &answers), 0);
+  const orv_test::key_counter answers{VCONFKEY_ORV_RESULT};
   for (int i = 1; i <= 1000; ++i) {
     vconf_set_int(VCONFKEY_ORV_COMMAND, ORV_COMMAND_TARGET_INFO);
-    ASSERT_TRUE(orv_test::run_until([&] { return answers == i; })) << i;
+    ASSERT_TRUE(answers.reaches(i) && answers.seen() == i) << i;
   }
-  vconf_ignore_key_changed(VCONFKEY_ORV_RESULT, count);
 }
 
 TEST_F(Camera, TellsItsIdentity) {
@@ -79,37 +75,6 @@ TEST_F(Camera, TellsItsIdentity) {
   EXPECT_THAT(run({"orvctl", "target", "--json"}).out, HasSubstr("\"byte_order\": 240"));
   EXPECT_EQ(run({"orvctl", "send", "0x208", "1", "-2", "0x3", "4", "--data", "x"}).out,
             std::string{"result 0\ndata   "} + identity + "\n");
-}
-
-TEST_F(Camera, FindsItsParametersAsTheToolWasGivenThem) {
-  const auto parameters = [] {
-    const std::unique_ptr<char, decltype(&free)> text{vconf_get_str(VCONFKEY_ORV_COMMAND_DATA),
-                                                      free};
-    return std::to_string(number_at(VCONFKEY_ORV_COMMAND_PARAM1)) + " " +
-           std::to_string(number_at(VCONFKEY_ORV_COMMAND_PARAM2)) + " " +
-           std::to_string(number_at(VCONFKEY_ORV_COMMAND_PARAM3)) + " " +
-           std::to_string(number_at(VCONFKEY_ORV_COMMAND_PARAM4)) + " " +
-           (text ? text.get() : "(none)");
-  };
-  vconf_set_str(VCONFKEY_ORV_COMMAND_PARAM1, "no number");
-  vconf_set_int(VCONFKEY_ORV_COMMAND_DATA, 5);
-  int written = 0;
-  const auto count = [](keynode_t*, void* seen) { ++*static_cast<int*>(seen); };
-  const auto send = [](std::vector<std::string> words) {
-    words.insert(words.begin(), {"orvctl", "send", "target_info"});
-    return run(words).status;
-  };
-  EXPECT_EQ(send({}), 0);
-  EXPECT_EQ(parameters(), "0 0 0 0 ");
-  EXPECT_EQ(send({"--data", "x", "--", "3", "-1"}), 0);
-  EXPECT_EQ(parameters(), "3 -1 0 0 x");
-  ASSERT_EQ(vconf_notify_key_changed(VCONFKEY_ORV_COMMAND_PARAM2, count, &written), 0);
-  EXPECT_EQ(send({"3", "-1", "0", "-7", "--data", "x"}), 0);
-  EXPECT_EQ(parameters(), "3 -1 0 -7 x");
-  vconf_set_int(VCONFKEY_ORV_COMMAND_PARAM2, 8);
-  EXPECT_TRUE(orv_test::run_until([&] { return written != 0; }));
-  EXPECT_EQ(written, 1) << "what the key held was written again";
-  vconf_ignore_key_changed(VCONFKEY_ORV_COMMAND_PARAM2, count);
 }
 
 TEST_F(Camera, IsSilentOnCodesWithoutAHandler) {

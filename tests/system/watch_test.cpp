@@ -5,12 +5,12 @@
 #include <orv/protocol.h>
 #include <signal.h>
 #include <stdlib.h>
-#include <vconf.h>
 
 #include <filesystem>
 #include <fstream>
 #include <string>
 
+#include "keys.h"
 #include "main_loop.h"
 #include "packet_check.h"
 #include "process.h"
@@ -21,6 +21,7 @@ using orv_test::background;
 using orv_test::eventually;
 using orv_test::outcome;
 using orv_test::run;
+using orv_test::text_of;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 using testing::StartsWith;
@@ -33,11 +34,6 @@ std::vector<std::string> lines_of(const fs::path& path) {
     lines.push_back(line);
   }
   return lines;
-}
-
-std::string text_of_packet() {
-  const std::unique_ptr<char, decltype(&free)> text{vconf_get_str(VCONFKEY_ORV_RESULT_DATA), free};
-  return text ? text.get() : "";
 }
 
 // orv-host, whose `ps` gives every line a thread id of its own: 1, 2, 3 and so on, all running.
@@ -161,9 +157,10 @@ TEST_F(Watch, SumsUpAndLeavesNoMonitorRunning) {
   EXPECT_THAT(told.out, MatchesRegex("(\\{\"item\":\"heap\"[^\n]*\n){2}"
                                      "\\{\"summary\":\\{\"items\":2,[^\n]*\n"));
   // The CPU monitor that ran before is gone as well.
-  const std::string packet = text_of_packet();
+  const std::string packet = text_of(VCONFKEY_ORV_RESULT_DATA);
   EXPECT_EQ(orv_test::packet_fault(packet), "");
-  EXPECT_FALSE(orv_test::run_until([&] { return text_of_packet() != packet; }, 100));
+  EXPECT_FALSE(
+      orv_test::run_until([&] { return text_of(VCONFKEY_ORV_RESULT_DATA) != packet; }, 100));
 }
 
 TEST_F(Watch, HasTheMonitorsToItself) {
