@@ -31,9 +31,7 @@ namespace {
 using Target = orv_test::AgentTest;
 
 std::string ask() {
-  orv_command record{};
-  orv_target_handler(&record, "");
-  return orv_test::text_at(VCONFKEY_ORV_RESULT_DATA);
+  return orv_test::answer_of(orv_target_handler);
 }
 
 TEST_F(Target, AnswersInFieldsAndLogsThem) {

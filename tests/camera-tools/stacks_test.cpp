@@ -5,7 +5,6 @@
 
 #include <atomic>
 #include <cstdint>
-#include <fstream>
 #include <future>
 #include <map>
 #include <sstream>
@@ -13,25 +12,10 @@
 #include <thread>
 
 #include "emulation.h"
+#include "mapping.h"
 #include "shell.h"
 
 namespace {
-
-struct range {
-  std::uint64_t start;
-  std::uint64_t end;
-};
-
-range mapping_that_holds(std::uint64_t address) {
-  std::ifstream maps{"/proc/self/maps"};
-  range found{};
-  for (std::string line; std::getline(maps, line);) {
-    char hyphen = 0;
-    std::istringstream{line} >> std::hex >> found.start >> hyphen >> found.end;
-    if (found.start <= address && address < found.end) return found;
-  }
-  return {};
-}
 
 std::uint64_t own_frame() {
   return reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
@@ -85,7 +69,7 @@ TEST(Stacks, OfThreadsThatRunAreShownWithAnAddressInTheirOwnStack) {
   frames[process.pid()] = own_frame();
   auto listed = listed_threads();
   for (const auto& [tid, frame] : frames) {
-    const range stack = mapping_that_holds(frame);
+    const auto stack = orv_test::mapping_of("/proc/self/maps", frame).value();
     EXPECT_LT(listed[tid].esp - static_cast<std::uint32_t>(stack.start), stack.end - stack.start);
     EXPECT_TRUE(listed[tid].name_and_state.ends_with(" R"));
   }

@@ -25,9 +25,7 @@ class HeapMonitor : public orv_test::MonitorTest {
   HeapMonitor() : MonitorTest{orv_heap_monitor_proc} {}
 
   void SetUp() override {
-    if (!orv_test::have_private_mounts()) {
-      GTEST_SKIP() << "the kernel refuses private mounts";
-    }
+    ORV_SKIP_WITHOUT_PRIVATE_MOUNTS();
     MonitorTest::SetUp();
     show_free_kb("1000");
   }

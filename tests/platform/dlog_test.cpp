@@ -20,24 +20,17 @@ using orv_test::background;
 using orv_test::eventually;
 using testing::HasSubstr;
 
-std::vector<std::string> lines_of(const std::string& text) {
-  std::istringstream stream{text};
-  std::vector<std::string> lines;
-  for (std::string line; std::getline(stream, line);) {
-    lines.push_back(line);
-  }
-  return lines;
-}
-
-std::vector<std::string> dump(const std::string& tag) {
-  return lines_of(orv_test::run({"dlogutil", "-d", tag}).out);
+std::vector<std::string> dump(const std::vector<std::string>& tags) {
+  std::vector<std::string> words = {"dlogutil", "-d"};
+  words.insert(words.end(), tags.begin(), tags.end());
+  return orv_test::lines_of(std::istringstream{orv_test::run(words).out});
 }
 
 TEST(Log, PrintsTheWantedTagsOldestFirst) {
   __dlog_print(3, DLOG_INFO, "ONE", "%s and %d\n", "text", 1);
   __dlog_print(3, DLOG_ERROR, "TWO", "no newline");
   __dlog_print(3, DLOG_INFO, "OTHER", "not wanted");
-  const auto lines = lines_of(orv_test::run({"dlogutil", "-d", "ONE", "TWO"}).out);
+  const auto lines = dump({"ONE", "TWO"});
   ASSERT_EQ(lines.size(), 2U);
   EXPECT_THAT(lines[0], HasSubstr(" I/ONE: text and 1"));
   EXPECT_THAT(lines[1], HasSubstr(" E/TWO: no newline"));
@@ -46,7 +39,7 @@ TEST(Log, PrintsTheWantedTagsOldestFirst) {
 
 TEST(Log, KeepsALongRecordToItsBound) {
   EXPECT_EQ(__dlog_print(3, DLOG_INFO, "LONG", "%s", std::string(9000, 'x').c_str()), 4000);
-  const auto lines = dump("LONG");
+  const auto lines = dump({"LONG"});
   ASSERT_EQ(lines.size(), 1U);
   EXPECT_TRUE(lines[0].ends_with(" I/LONG: " + std::string(4000, 'x')));
 }
@@ -85,7 +78,7 @@ TEST(Log, LosesNothingOfSeveralWritersWhileItHasRoom) {
   background two{write_all};
   EXPECT_EQ(one.wait(), 0);
   EXPECT_EQ(two.wait(), 0);
-  const auto lines = dump("MANY");
+  const auto lines = dump({"MANY"});
   EXPECT_EQ(lines.size(), 4U * each);
   for (const auto& line : lines) {
     EXPECT_TRUE(is_whole(line)) << line;
@@ -103,7 +96,7 @@ TEST(Log, ShowsOnlyWholeRecordsOfKilledAndOvertakenWriters) {
   int shown = 0;
   for (int round = 0; round < 15; ++round) {
     const background killed{write_for_ever};
-    for (const auto& line : dump("HAMMER")) {
+    for (const auto& line : dump({"HAMMER"})) {
       ASSERT_TRUE(is_whole(line)) << line;
       ++shown;
     }

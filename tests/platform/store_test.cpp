@@ -145,8 +145,7 @@ std::vector<std::string> marks_on(const fs::path& directory) {
   name << " ino:" << std::hex << status.st_ino << ' ';
   std::vector<std::string> marks;
   for (const auto& descriptor : fs::directory_iterator{"/proc/self/fdinfo"}) {
-    std::ifstream file{descriptor.path()};
-    for (std::string line; std::getline(file, line);) {
+    for (const auto& line : orv_test::lines_of(std::ifstream{descriptor.path()})) {
       if (line.find(name.str()) != std::string::npos) {
         marks.push_back(line);
       }

@@ -62,18 +62,11 @@ TEST(MeminfoText, YieldsTheWantedFieldsAndLeavesTheOthers) {
 class Heap : public orv_test::AgentTest {
  protected:
   void SetUp() override {
-    if (!orv_test::have_private_mounts()) {
-      GTEST_SKIP() << "the kernel refuses private mounts";
-    }
+    ORV_SKIP_WITHOUT_PRIVATE_MOUNTS();
     AgentTest::SetUp();
   }
 
-  static std::string ask() {
-    orv_command record{};
-    orv_heap_handler(&record, "");
-    EXPECT_EQ(orv_test::int_at(VCONFKEY_ORV_RESULT), 0);
-    return orv_test::text_at(VCONFKEY_ORV_RESULT_DATA);
-  }
+  static std::string ask() { return orv_test::answer_of(orv_heap_handler); }
 
   std::string ask_with(const std::string& summary) const {
     std::ofstream{path_} << summary;

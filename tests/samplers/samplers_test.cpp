@@ -39,21 +39,14 @@ constexpr char heading[] = "  PID   TID %CPU      ESP COMMAND         S\n";
 class Samplers : public orv_test::AgentTest {
  protected:
   void SetUp() override {
-    if (!orv_test::have_private_mounts()) {
-      GTEST_SKIP() << "the kernel refuses private mounts";
-    }
+    ORV_SKIP_WITHOUT_PRIVATE_MOUNTS();
     AgentTest::SetUp();
     tmp_.emplace(orv_test::memory_files{"mode=1777"}, "/tmp");
     fed_.feed_ps(std::string{heading} + "1 7 0.0 bef01234 worker S\n");
     fed_.feed_cat("/proc/1/task/7/maps", "bee00000-bee21000 rw-p 00000000 00:00 0  [stack]\n");
   }
 
-  static std::string ask() {
-    orv_command record{};
-    orv_stack_handler(&record, "");
-    EXPECT_EQ(orv_test::int_at(VCONFKEY_ORV_RESULT), 0);
-    return orv_test::text_at(VCONFKEY_ORV_RESULT_DATA);
-  }
+  static std::string ask() { return orv_test::answer_of(orv_stack_handler); }
 
   // Neither sampler finds a thread, and no command but the lister was run.
   void expect_nothing() const {
@@ -266,8 +259,7 @@ TEST_F(Samplers, LeaveNothingBehind) {
   const auto repeat = [](int times) {
     for (int i = 0; i < times; ++i) {
       EXPECT_EQ(ask(), "523,1,7,worker,0,0,$,");
-      orv_command record{};
-      orv_heap_handler(&record, "");
+      orv_test::answer_of(orv_heap_handler);
       orv_test::take_log();
       orv_test::take_writes();
     }

@@ -159,4 +159,11 @@ void put(const char* key, int number) {
   ASSERT_EQ(__real_vconf_set_int(key, number), 0);
 }
 
+std::string answer_of(void (*handler)(orv_command*, const char*)) {
+  orv_command record{};
+  handler(&record, "");
+  EXPECT_EQ(int_at(VCONFKEY_ORV_RESULT), ORV_RESULT_OK);
+  return text_at(VCONFKEY_ORV_RESULT_DATA);
+}
+
 }  // namespace orv_test

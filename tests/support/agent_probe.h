@@ -8,6 +8,8 @@
 #define ORV_TESTS_SUPPORT_AGENT_PROBE_H
 
 #include <gtest/gtest.h>
+#include <orv/command.h>
+#include <orv/protocol.h>
 
 #include <string>
 #include <vector>
@@ -47,6 +49,9 @@ std::string text_at(const char* key);
 int int_at(const char* key);
 void put(const char* key, const char* text);
 void put(const char* key, int number);
+
+// What a query's handler answers.
+std::string answer_of(void (*handler)(orv_command*, const char*));
 
 // Starts with an empty store, an empty log, no faults.
 class AgentTest : public ::testing::Test {

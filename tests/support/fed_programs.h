@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "process.h"
+
 namespace orv_test {
 
 // A `ps` and a `cat` that print what they are fed, and note that they were run. Fed nothing, `cat`
@@ -48,11 +50,7 @@ class fed_programs {
 
   // The command lines since the last call.
   [[nodiscard]] std::vector<std::string> take_commands() const {
-    std::vector<std::string> commands;
-    std::ifstream log{directory_ / "log"};
-    for (std::string line; std::getline(log, line);) {
-      commands.push_back(line);
-    }
+    std::vector<std::string> commands = lines_of(std::ifstream{directory_ / "log"});
     std::filesystem::remove(directory_ / "log");
     return commands;
   }

@@ -20,6 +20,13 @@ inline std::string text_of(const char* key) {
   return text ? text.get() : "(none)";
 }
 
+// 99 when there is none.
+inline int number_at(const char* key) {
+  int number = 99;
+  vconf_get_int(key, &number);
+  return number;
+}
+
 // Counts a key's notifications while it lives.
 class key_counter {
  public:

@@ -34,6 +34,9 @@ inline bool have_private_mounts() {
   return have;
 }
 
+#define ORV_SKIP_WITHOUT_PRIVATE_MOUNTS() \
+  if (!orv_test::have_private_mounts()) GTEST_SKIP() << "the kernel refuses private mounts"
+
 // An empty file system in memory.
 struct memory_files {
   std::string options;      // as in "size=4k"

@@ -92,6 +92,14 @@ int background::wait(int deadline_ms) {
   return decode(status);
 }
 
+std::vector<std::string> lines_of(std::istream&& from) {
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(from, line);) {
+    lines.push_back(line);
+  }
+  return lines;
+}
+
 long count_descriptors() {
   return std::distance(std::filesystem::directory_iterator{"/proc/self/fd"}, {});
 }

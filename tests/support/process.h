@@ -5,6 +5,7 @@
 #include <sys/types.h>
 
 #include <functional>
+#include <istream>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,8 @@ class background {
  private:
   pid_t pid_;
 };
+
+std::vector<std::string> lines_of(std::istream&& from);
 
 // How many descriptors this process has open.
 long count_descriptors();

@@ -17,6 +17,7 @@ namespace {
 
 using orv_test::background;
 using orv_test::eventually;
+using orv_test::number_at;
 using orv_test::outcome;
 using orv_test::run;
 using testing::AllOf;
@@ -24,12 +25,6 @@ using testing::HasSubstr;
 using testing::StartsWith;
 
 constexpr char identity[] = "CSC,Q7,LUMEN-ONE,EVT2,LUMEN-ONE_1.04.2_20260830,240,RELEASE,0";
-
-int number_at(const char* key) {
-  int number = 99;
-  vconf_get_int(key, &number);
-  return number;
-}
 
 // orv-host on the test's root.
 class Camera : public testing::Test {

@@ -12,12 +12,14 @@
 #include <sstream>
 #include <string>
 
+#include "mapping.h"
 #include "process.h"
 
 namespace {
 
 using nlohmann::json;
 using orv_test::eventually;
+using orv_test::mapping;
 using orv_test::run;
 using testing::HasSubstr;
 namespace fs = std::filesystem;
@@ -45,29 +47,13 @@ std::optional<uint64_t> stack_pointer(const fs::path& task) {
   return before.starts_with("0x") ? std::optional{std::stoull(before, nullptr, 16)} : std::nullopt;
 }
 
-struct range {
-  uint64_t start;
-  uint64_t end;
-
-  bool operator==(const range&) const = default;
-};
-
-std::optional<range> stack_of(const fs::path& task) {
+std::optional<mapping> stack_of(const fs::path& task) {
   const auto pointer = stack_pointer(task);
-  std::ifstream maps{task / "maps"};
-  for (std::string line; pointer && std::getline(maps, line);) {
-    range found{};
-    char hyphen = 0;
-    std::istringstream{line} >> std::hex >> found.start >> hyphen >> found.end;
-    if (found.start <= *pointer && *pointer < found.end) {
-      return found;
-    }
-  }
-  return std::nullopt;
+  return pointer ? orv_test::mapping_of(task / "maps", *pointer) : std::nullopt;
 }
 
-std::map<int, range> kernels_view() {
-  std::map<int, range> stacks;
+std::map<int, mapping> kernels_view() {
+  std::map<int, mapping> stacks;
   std::error_code gone;
   for (const auto& process : fs::directory_iterator{"/proc"}) {
     for (const auto& task : fs::directory_iterator{process.path() / "task", gone}) {

@@ -28,12 +28,7 @@ using testing::StartsWith;
 namespace fs = std::filesystem;
 
 std::vector<std::string> lines_of(const fs::path& path) {
-  std::vector<std::string> lines;
-  std::ifstream file{path};
-  for (std::string line; std::getline(file, line);) {
-    lines.push_back(line);
-  }
-  return lines;
+  return orv_test::lines_of(std::ifstream{path});
 }
 
 // orv-host, whose `ps` gives every line a thread id of its own: 1, 2, 3 and so on, all running.

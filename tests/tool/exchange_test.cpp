@@ -43,9 +43,7 @@ std::string parameters() {
   std::string found;
   for (const char* key : {VCONFKEY_ORV_COMMAND_PARAM1, VCONFKEY_ORV_COMMAND_PARAM2,
                           VCONFKEY_ORV_COMMAND_PARAM3, VCONFKEY_ORV_COMMAND_PARAM4}) {
-    int number = 99;
-    vconf_get_int(key, &number);
-    found += std::to_string(number) + " ";
+    found += std::to_string(orv_test::number_at(key)) + " ";
   }
   return found + text_of(VCONFKEY_ORV_COMMAND_DATA);
 }
