@@ -43,7 +43,8 @@ std::string inherited(FILE* file) {
 
 }  // namespace
 
-// The linker gives these their names.
+// The linker gives these their names, and looks for them from shared libraries as well.
+#pragma GCC visibility push(default)
 // NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" {
 
@@ -128,6 +129,7 @@ int32_t __wrap_orv_get_stack_info(thread_stack_info* records) {
 
 }  // extern "C"
 // NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+#pragma GCC visibility pop
 
 namespace {
 
