@@ -45,7 +45,8 @@ std::optional<stack_range> parse_stack_range(std::string_view line) noexcept {
     return std::nullopt;
   }
   const std::string_view start = range.substr(0, hyphen);
-  const std::string_view end = range.substr(hyphen + 1);
+  std::string_view end = range;
+  end.remove_prefix(hyphen + 1);
   if (!is_address(start) || !is_address(end)) {
     return std::nullopt;
   }

@@ -45,7 +45,9 @@ packet parse_packet(std::string_view text) {
   if (comma == std::string_view::npos) {
     return empty_packet;
   }
-  return {leading_number(text.substr(0, comma)), text.substr(comma + 1)};
+  const int32_t total = leading_number(text.substr(0, comma));
+  text.remove_prefix(comma + 1);
+  return {total, text};
 }
 
 packet parse_packet(const owned_text& text) {
