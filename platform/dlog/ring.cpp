@@ -35,12 +35,12 @@ int make_file(int root) {
     return -1;
   }
   const uint64_t magic = ring_magic;
-  if (posix_fallocate(file.get(), 0, header_size + ring_size) == 0 &&
-      pwrite(file.get(), &magic, sizeof magic, 0) == static_cast<ssize_t>(sizeof magic)) {
-    linkat(root, temporary, root, file_name, 0);
-  }
+  const bool named =
+      posix_fallocate(file.get(), 0, header_size + ring_size) == 0 &&
+      pwrite(file.get(), &magic, sizeof magic, 0) == static_cast<ssize_t>(sizeof magic) &&
+      (linkat(root, temporary, root, file_name, 0) == 0 || errno == EEXIST);
   unlinkat(root, temporary, 0);
-  return openat(root, file_name, O_RDWR | O_CLOEXEC | O_NOFOLLOW);
+  return named ? openat(root, file_name, O_RDWR | O_CLOEXEC | O_NOFOLLOW) : -1;
 }
 
 bool is_ring(int fd) {

@@ -19,9 +19,15 @@ constexpr const char* printable(const char* text) {
 
 }  // namespace orv
 
+#ifdef __FILE_NAME__
+#define ORV_LOG_FILE __FILE_NAME__
+#else  // GCC before 12
+#define ORV_LOG_FILE (__builtin_strrchr("/" __FILE__, '/') + 1)
+#endif
+
 #define orv_log_info(...) \
-  ::orv::log_line(::orv::log_level::info, __FILE_NAME__, __func__, __LINE__, __VA_ARGS__)
+  ::orv::log_line(::orv::log_level::info, ORV_LOG_FILE, __func__, __LINE__, __VA_ARGS__)
 #define orv_log_error(...) \
-  ::orv::log_line(::orv::log_level::error, __FILE_NAME__, __func__, __LINE__, __VA_ARGS__)
+  ::orv::log_line(::orv::log_level::error, ORV_LOG_FILE, __func__, __LINE__, __VA_ARGS__)
 
 #endif

@@ -14,9 +14,9 @@ using add_operation = guint (*)(guint interval, GSourceFunc callback, gpointer u
 void start(const char* name, add_operation add, uint32_t interval, orv_timer_callback callback,
            void* user_data, uint32_t* timer_id) {
   const auto refuse = [name](const char* reason) {
-    log_line(log_level::error, __FILE_NAME__, name, __LINE__, "%s():: %s \n", name, reason);
+    log_line(log_level::error, ORV_LOG_FILE, name, __LINE__, "%s():: %s \n", name, reason);
   };
-  log_line(log_level::info, __FILE_NAME__, name, __LINE__,
+  log_line(log_level::info, ORV_LOG_FILE, name, __LINE__,
            "Register timer with callback pointer (%p) \n", reinterpret_cast<void*>(callback));
   if (callback == nullptr) {
     return refuse("cb is NULL");

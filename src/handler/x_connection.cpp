@@ -1,11 +1,15 @@
 #include "handler/x_connection.h"
 
+#include <dlfcn.h>
 #include <time.h>
+#include <unistd.h>
 
-#include <atomic>
-
-// Last: its macros take names of the standard library.
-#include <X11/Xlibint.h>
+extern "C" {
+// Xlib has it since 1.7.0; the header of an older one does not declare it.
+[[gnu::weak]] void XSetIOErrorExitHandler(Display* display, void (*handler)(Display*, void*),
+                                          void* user_data);
+[[gnu::weak]] int XConnectionNumber(Display* display);
+}
 
 namespace orv {
 namespace {
@@ -21,16 +25,23 @@ sigset_t broken_pipe() {
   return signals;
 }
 
-// XCloseDisplay sends requests first, for which a display that was lost while it opened may have no
-// buffer: it would crash. With this flag it believes that it has sent them, those too that free the
-// screens' graphics contexts. No library above Xlib has heard of the display yet, so none is told
-// that it goes.
-void close_half_open(Display* display) {
-  for (int i = 0; i < display->nscreens; ++i) {
-    XFree(display->screens[i].default_gc);
+// A host may have its own functions in place of Xlib's: what those call a display only they may
+// look into. So further functions are called only if they are of the library that opened it.
+template <class Function>
+bool knows_displays(Function* function) {
+  Dl_info opener{};
+  Dl_info other{};
+  return function != nullptr && dladdr(reinterpret_cast<void*>(XOpenDisplay), &opener) != 0 &&
+         dladdr(reinterpret_cast<void*>(function), &other) != 0 &&
+         opener.dli_fbase == other.dli_fbase;
+}
+
+// XCloseDisplay sends requests first, for which a display that was lost may have no buffer or no
+// way back: it would crash or exit. The socket is closed, the display's memory is left.
+void give_up(Display* lost) {
+  if (knows_displays(XConnectionNumber)) {
+    ::close(XConnectionNumber(lost));
   }
-  display->flags = display->flags | XlibDisplayClosing;
-  XCloseDisplay(display);
 }
 
 // In place of the handler that exits once the one for lost connections has returned.
@@ -38,11 +49,13 @@ void stay(Display* /*display*/, void* /*user_data*/) {}
 
 }  // namespace
 
-thread_local x_connection* x_connection::current = nullptr;
+std::atomic<pthread_t> x_connection::owner{};
+x_connection* x_connection::current = nullptr;
 
 // Writing to a server that is gone raises SIGPIPE.
 x_connection::x_connection() noexcept {
   current = this;
+  owner = pthread_self();
   const sigset_t blocked = broken_pipe();
   pthread_sigmask(SIG_BLOCK, &blocked, &host_signals_);
   host_error_handler = XSetErrorHandler(note_error);
@@ -59,41 +72,62 @@ x_connection::~x_connection() {
     sigtimedwait(&raised, nullptr, &at_once);
   }
   pthread_sigmask(SIG_SETMASK, &host_signals_, nullptr);
-  current = nullptr;
+  owner = pthread_t{};
+}
+
+x_connection* x_connection::of_this_thread() noexcept {
+  return owner == pthread_self() ? current : nullptr;
 }
 
 // A display can be told not to exit only once it is open, and opening it takes several exchanges
 // with the server.
-x_display x_connection::open() noexcept {
+Display* x_connection::open() noexcept {
   Display* display = nullptr;
   if (!until_lost([&] { return (display = XOpenDisplay(nullptr)) != nullptr; })) {
-    if (lost_ != nullptr) {
-      close_half_open(lost_);
-    }
     return nullptr;
   }
-  XSetIOErrorExitHandler(display, stay, nullptr);
-  return x_display{display};
+  outlives_loss_ = knows_displays(XSetIOErrorExitHandler);
+  if (outlives_loss_) {
+    XSetIOErrorExitHandler(display, stay, nullptr);
+  }
+  return display;
+}
+
+// Closing sends what is queued, so that the server may be lost here as well.
+void x_connection::close(Display* display) noexcept {
+  const auto close_it = [&] { return XCloseDisplay(display), true; };
+  if (outlives_loss_) {
+    close_it();
+    return;
+  }
+  if (display != nullptr && lost_ == nullptr) {
+    until_lost(close_it);
+  }
+  if (lost_ != nullptr) {
+    give_up(lost_);
+  }
 }
 
 int x_connection::note_error(Display* display, XErrorEvent* event) {
-  if (current == nullptr) {
+  x_connection* const own = of_this_thread();
+  if (own == nullptr) {
     const XErrorHandler host = host_error_handler;
     return host != nullptr ? host(display, event) : 0;
   }
-  current->failed_ = true;
+  own->failed_ = true;
   return 0;
 }
 
 int x_connection::note_loss(Display* display) {
-  if (current == nullptr) {
+  x_connection* const own = of_this_thread();
+  if (own == nullptr) {
     const XIOErrorHandler host = host_loss_handler;
     return host != nullptr ? host(display) : 0;
   }
-  current->failed_ = true;
-  current->lost_ = display;
-  if (current->may_escape_) {
-    longjmp(current->escape_, 1);  // NOLINT(cert-err52-cpp)
+  own->failed_ = true;
+  own->lost_ = display;
+  if (own->may_escape_) {
+    longjmp(own->escape_, 1);  // NOLINT(cert-err52-cpp)
   }
   return 0;
 }

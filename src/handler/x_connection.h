@@ -6,17 +6,13 @@
 #define ORV_HANDLER_X_CONNECTION_H
 
 #include <X11/Xlib.h>
+#include <pthread.h>
 #include <setjmp.h>
 #include <signal.h>
 
-#include <memory>
+#include <atomic>
 
 namespace orv {
-
-struct display_closer {
-  void operator()(Display* display) const noexcept { XCloseDisplay(display); }
-};
-using x_display = std::unique_ptr<Display, display_closer>;
 
 // While it lives, errors of this thread's connection are noted and nothing more; those of other
 // threads' connections reach the handlers that the host has set, which stand again afterwards. One
@@ -34,17 +30,19 @@ class x_connection {
   // run.
   template <class Send>
   bool run(Send send) noexcept {
-    x_display display = open();
-    const bool queued = display && until_lost([&] { return send(display.get()); });
-    display.reset();
+    Display* const display = open();
+    const bool queued = display != nullptr && until_lost([&] { return send(display); });
+    close(display);
     return queued && !failed_;
   }
 
  private:
   static int note_error(Display* display, XErrorEvent* event);
   static int note_loss(Display* display);
+  static x_connection* of_this_thread() noexcept;
 
-  x_display open() noexcept;
+  Display* open() noexcept;
+  void close(Display* display) noexcept;
 
   // Runs the work, and leaves it by a jump when the server is lost: Xlib would go on to exit, and
   // the libraries above it would take replies for granted that never came.
@@ -60,11 +58,15 @@ class x_connection {
     return done;
   }
 
-  static thread_local x_connection* current;
+  // The owner is looked at first: no other thread may touch the connection. A thread-local pointer
+  // would make the dynamic linker a library that the agent needs.
+  static std::atomic<pthread_t> owner;
+  static x_connection* current;
 
   sigset_t host_signals_;
   jmp_buf escape_;
   bool may_escape_ = false;
+  bool outlives_loss_ = false;  // Xlib returns from the loss of the display, once that is open
   bool failed_ = false;
   Display* lost_ = nullptr;
 };

@@ -14,6 +14,16 @@
 #include "x_relay.h"
 #include "x_server.h"
 
+#ifdef ORV_FOREIGN_EXIT_HANDLER
+// From another library than the one that opens displays: the agent must do without it, as with an
+// Xlib that has none.
+extern "C" void __real_XSetIOErrorExitHandler(Display*, XIOErrorExitHandler, void*);
+extern "C" void __wrap_XSetIOErrorExitHandler(Display*, XIOErrorExitHandler, void*) {
+  ADD_FAILURE() << "the agent showed a display to another library";
+}
+#define XSetIOErrorExitHandler __real_XSetIOErrorExitHandler
+#endif
+
 namespace {
 
 using orv_test::failed;

@@ -1,16 +1,18 @@
-# Beside the C and C++ runtime and its loader, the library needs what a camera has, and nothing else.
-runtime='(libc|libm|libgcc_s|libstdc\+\+|ld-linux[a-z0-9-]*)\.so\.[0-9]+'
-readelf -d "$BUILD/$LIBDIR/liborv-agent.so" | sed -n 's/.*(NEEDED).*\[\(.*\)\]$/\1/p' >needed
-expect 'libraries beside the runtime' 'libX11.so.6
+# Of the runtime the agent needs libc alone: a camera's C++ library may be older than what the agent
+# was built with. Older libcs are three libraries, and on ARM the stack protector's guard is in the
+# loader.
+libc='(lib(c|dl|pthread)|ld-linux-armhf)\.so\.[0-9]+'
+needed() {
+  readelf -d "$1" | sed -n 's/.*(NEEDED).*\[\(.*\)\]$/\1/p' | LC_ALL=C sort
+}
+expect 'libraries of the agent beside libc' 'libX11.so.6
 libXtst.so.6
 libdlog.so.0
 libglib-2.0.so.0
 libvconf.so.0
-libversion-info.so.0' "$(grep -vxE "$runtime" needed | LC_ALL=C sort)"
+libversion-info.so.0' "$(needed "$BUILD/$LIBDIR/liborv-agent.so" | grep -vxE "$libc")"
 
-# The tool loads no library of this project's, so it looks for none.
-readelf -d "$BUILD/${SYSROOT:+target-}bin/orvctl" >orvctl.dynamic
-sed -n 's/.*(NEEDED).*\[\(.*\)\]$/\1/p' orvctl.dynamic >orvctl.needed
+# The tool loads no library of this project's.
+runtime='(libc|libm|libgcc_s|libstdc\+\+|ld-linux[a-z0-9-]*)\.so\.[0-9]+'
 expect "the tool's libraries beside the runtime" 'libglib-2.0.so.0' \
-  "$(grep -vxE "$runtime" orvctl.needed)"
-! grep -E 'RPATH|RUNPATH' orvctl.dynamic || fail 'the tool has a run path'
+  "$(needed "$BUILD/${SYSROOT:+target-}bin/orvctl" | grep -vxE "$runtime")"

@@ -1,6 +1,6 @@
 /* The platform as a camera might have it, from its contract alone: no header of the stand-ins, no
- * files. One text for its three libraries. The store asks the agent who it is as soon as it is
- * watched, prints what the agent writes, and ends the host after the answer. */
+ * files. One text for its three libraries. As soon as it is watched the store has the agent press a
+ * key and then asks who it is; it prints what the agent writes, and ends the host after the answer. */
 #include <glib.h>
 #include <signal.h>
 #include <stdarg.h>
@@ -16,6 +16,7 @@ typedef void (*changed)(struct node* node, void* user_data);
 
 static struct node command_node = {"memory/orv/cmd"};
 static changed watcher;
+static int command = 0x104;
 
 static gboolean write_command(gpointer user_data) {
   watcher(&command_node, user_data);
@@ -45,18 +46,23 @@ int vconf_keynode_get_type(struct node*) {
 }
 
 int vconf_get_int(const char* key, int* value) {
-  *value = strcmp(key, command_node.name) == 0 ? 0x208 : 0;
+  const int press = strcmp(key, "memory/orv/cmd_param2") == 0;
+  *value = strcmp(key, command_node.name) == 0 ? command : press;
   return 0;
 }
 
 char* vconf_get_str(const char*) {
-  return calloc(1, 1);
+  return strdup("KEY_OK");
 }
 
 int vconf_set_int(const char* key, int value) {
   printf("%s=%d\n", key, value);
-  if (strcmp(key, "memory/orv/result") == 0 && value == 0) {
+  const int answered = strcmp(key, "memory/orv/result") == 0 && value != -2;
+  if (answered && command == 0x208) {
     kill(getpid(), SIGTERM);
+  } else if (answered) {
+    command = 0x208;
+    g_idle_add(write_command, NULL);
   }
   return 0;
 }

@@ -15,8 +15,9 @@ expect() {
   [[ $2 == "$3" ]] || fail "$1"$'\n'"wanted: $2"$'\n'"   saw: $3"
 }
 
-# The tree that `cmake --install` makes, all components.
+# The tree that `cmake --install` makes, all components. Its programs find its libraries.
 install_tree() {
+  export LD_LIBRARY_PATH=$1/$LIBDIR
   "$CMAKE" --install "$BUILD" --prefix "$1" >install.log || fail "$(tail -n 3 install.log)"
   emulate "$1"
 }
