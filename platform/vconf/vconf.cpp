@@ -28,7 +28,7 @@ int vconf_get_int(const char* key, int* value) {
     return outcome;
   }
   const auto number =
-      found.type == vconf::value_type::integer ? parse_integer(found.text.get()) : std::nullopt;
+      found.type == vconf::value_type::integer ? parse_integer(found.text()) : std::nullopt;
   if (!number) {
     return VCONF_ERROR_TYPE;
   }
@@ -41,7 +41,7 @@ char* vconf_get_str(const char* key) {
   if (vconf::read_value(key, found) != 0 || found.type != vconf::value_type::text) {
     return nullptr;
   }
-  return found.text.release();
+  return found.long_text ? found.long_text.release() : strdup(found.short_text);
 }
 
 int vconf_set_int(const char* key, int value) {
