@@ -16,8 +16,8 @@
 #include <utility>
 
 #include "descriptor.h"
+#include "directory_watch.h"
 #include "key_path.h"
-#include "notifier.h"
 #include "platform_root.h"
 #include "vconf.h"
 
@@ -34,7 +34,7 @@ constexpr int read_attempts = 100;
 void report_once(const platform::root_check& why) {
   static std::atomic_flag reported = ATOMIC_FLAG_INIT;
   if (why.state == platform::root_state::refused && !reported.test_and_set()) {
-    fprintf(stderr, "vconf: %s\n", why.reason.c_str());
+    fprintf(stderr, "vconf: %s\n", why.reason);
   }
 }
 
@@ -246,6 +246,12 @@ int read_value(const char* key, value& result) {
     outcome = read_either(root_descriptor(false, true), path.text, result);
   }
   return outcome == 0 || errno != ENOENT ? outcome : VCONF_ERROR_NO_KEY;
+}
+
+bool has_value(const char* key) {
+  struct stat status {};
+  const int root = root_descriptor(false);
+  return root >= 0 && fstatat(root, value_path(key).text, &status, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
 int write_value(const char* key, value_type type, std::string_view text) {

@@ -39,6 +39,8 @@ struct value {
 int read_value(const char* key, value& result);
 int write_value(const char* key, value_type type, std::string_view text);
 
+bool has_value(const char* key);
+
 // A descriptor of the checked root, shared by all calls, or -1. One line on standard error says why
 // a root is refused, once a process. `again` looks the root up anew: it may have been removed.
 int root_descriptor(bool make, bool again = false);

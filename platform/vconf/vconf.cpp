@@ -5,6 +5,7 @@
 #include <string.h>
 
 #include <charconv>
+#include <new>
 #include <optional>
 
 #include "notifier.h"
@@ -62,8 +63,10 @@ int vconf_set_str(const char* key, const char* value) {
   return vconf::write_value(key, vconf::value_type::text, text);
 }
 
-int vconf_notify_key_changed(const char* key, vconf_callback_fn callback, void* user_data) {
+int vconf_notify_key_changed(const char* key, vconf_callback_fn callback, void* user_data) try {
   return vconf::add_registration(key, callback, user_data);
+} catch (const std::bad_alloc&) {
+  return VCONF_ERROR_STORE;
 }
 
 int vconf_ignore_key_changed(const char* key, vconf_callback_fn callback) {

@@ -287,6 +287,16 @@ TEST_F(Store, StaysWithItsRootWhenAnotherTakesItsName) {
   fs::rename(moved, root());
 }
 
+TEST_F(Store, WatchesAgainOnceItsRootCanBeMade) {
+  const key_counter seen{"memory/key"};
+  fs::remove_all(root());
+  std::ofstream{root()} << "in the way";
+  EXPECT_FALSE(run_until([] { return false; }, 50));
+  fs::remove(root());
+  vconf_set_int("memory/key", 1);
+  EXPECT_TRUE(seen.reaches(1));
+}
+
 // A value that says of itself whether it is whole.
 std::string self_describing(uint32_t seed) {
   const size_t length = 1 + seed % 100'000;
