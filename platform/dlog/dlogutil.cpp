@@ -1,7 +1,10 @@
 // dlogutil: prints records of the system log and follows it.
 
+#include <poll.h>
+#include <pthread.h>
 #include <stdio.h>
 #include <string.h>
+#include <sys/syscall.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -9,7 +12,9 @@
 #include <span>
 #include <string_view>
 
+#include "descriptor.h"
 #include "dlog.h"
+#include "host_process.h"
 #include "ring.h"
 
 namespace {
@@ -22,9 +27,14 @@ constexpr int unfinished_looks = 2;
 constexpr char usage[] =
     "Usage: dlogutil [-d] [TAG ...]\n"
     "Print the system log's records with these tags, or all, oldest first, and follow the log\n"
-    "until stopped.\n"
+    "until stopped; a reader that a host started ends with the host (ORV_HOST_PID).\n"
     "  -d      print what the log holds and end\n"
     "  --help  print this and end\n";
+
+void pause_for(long time_ns) {
+  const timespec pause{0, time_ns};
+  nanosleep(&pause, nullptr);
+}
 
 void print(const dlog::record& found) {
   const time_t seconds = static_cast<time_t>(found.header.time_ns / 1'000'000'000);
@@ -76,12 +86,37 @@ void follow(const dlog::ring& log, std::span<char*> tags) {
     if (position == log.head()) {
       log.wait_beyond(position);
     }
-    const timespec pause{0, look_interval_ns};
-    nanosleep(&pause, nullptr);
+    pause_for(look_interval_ns);
     const uint64_t reached = print_from(log, position, looks >= unfinished_looks, tags, shot);
     looks = reached == position ? looks + 1 : 0;
     position = reached;
   }
+}
+
+// Returns once the host has ended. The descriptor is opened before the look at the start time: only
+// then is it sure to be the host's. Kernels before 5.3 have no such descriptor.
+void wait_for_end(const platform::process_identity& host) {
+  const platform::descriptor life{static_cast<int>(syscall(SYS_pidfd_open, host.pid, 0))};
+  while (platform::still_runs(host)) {
+    pollfd ended{life.get(), POLLIN, 0};
+    if (!life || poll(&ended, 1, -1) < 0) {
+      pause_for(look_interval_ns);
+    }
+  }
+}
+
+// Two looks later all that the host wrote is printed, unless standard output is stuck.
+void* end_with_host(void* /*unused*/) {
+  wait_for_end(*platform::named_host());
+  pause_for(2 * look_interval_ns);
+  _exit(0);
+}
+
+// A reader that a host's agent leaves in the background holds the host's output open: it must end
+// even when the host was killed. Its log has waits of other kinds, so a thread does the waiting.
+bool follow_host() {
+  pthread_t thread{};
+  return !platform::named_host() || pthread_create(&thread, nullptr, end_with_host, nullptr) == 0;
 }
 
 }  // namespace
@@ -106,8 +141,12 @@ int main(int argc, char** argv) {
   if (dump) {
     dlog::snapshot shot;
     print_from(*log, 0, true, words.subspan(1), shot);
-  } else {
-    follow(*log, words);
+    return 0;
   }
+  if (!follow_host()) {
+    fputs("dlogutil: cannot start a thread that waits for the host's end\n", stderr);
+    return 1;
+  }
+  follow(*log, words);
   return 0;
 }
