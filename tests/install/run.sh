@@ -31,7 +31,7 @@ emulate() {
     name=${program##*/}
     mv "$program" "$1/target-bin/"
     ln -sf "$EMULATOR" "$1/emulator/$name"
-    printf '#!/bin/sh\nexec %s -L %s %s "$@"\n' "$1/emulator/$name" "$SYSROOT" \
+    printf '#!/bin/sh\nexec %q -L %q %q "$@"\n' "$1/emulator/$name" "$SYSROOT" \
       "$1/target-bin/$name" >"$program"
     chmod +x "$program"
   done
