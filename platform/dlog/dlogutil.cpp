@@ -1,10 +1,7 @@
 // dlogutil: prints records of the system log and follows it.
 
-#include <poll.h>
-#include <pthread.h>
 #include <stdio.h>
 #include <string.h>
-#include <sys/syscall.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -12,7 +9,6 @@
 #include <span>
 #include <string_view>
 
-#include "descriptor.h"
 #include "dlog.h"
 #include "host_process.h"
 #include "ring.h"
@@ -20,7 +16,9 @@
 namespace {
 
 // Between looks at a log that grows: writers then wake a sleeping reader this often at most.
-constexpr long look_interval_ns = 100'000'000;
+constexpr timespec look_interval{0, 100'000'000};
+// Between looks at a host while the log is at rest.
+constexpr timespec host_look_interval{0, 250'000'000};
 // A record that stays unfinished this long was left by a killed writer.
 constexpr int unfinished_looks = 2;
 
@@ -30,11 +28,6 @@ constexpr char usage[] =
     "until stopped; a reader that a host started ends with the host (ORV_HOST_PID).\n"
     "  -d      print what the log holds and end\n"
     "  --help  print this and end\n";
-
-void pause_for(long time_ns) {
-  const timespec pause{0, time_ns};
-  nanosleep(&pause, nullptr);
-}
 
 void print(const dlog::record& found) {
   const time_t seconds = static_cast<time_t>(found.header.time_ns / 1'000'000'000);
@@ -78,45 +71,24 @@ uint64_t print_from(const dlog::ring& log, uint64_t position, bool skip_unfinish
   return position;
 }
 
+// A reader that a host's agent leaves in the background holds the host's output open: it ends with
+// the host, even when that was killed, once it has printed what the host wrote.
 void follow(const dlog::ring& log, std::span<char*> tags) {
+  const auto host = platform::named_host();
   dlog::snapshot shot;
   uint64_t position = print_from(log, 0, false, tags, shot);
   int looks = 0;
-  while (ferror(stdout) == 0) {
+  bool host_ended = false;
+  while (ferror(stdout) == 0 && !host_ended) {
     if (position == log.head()) {
-      log.wait_beyond(position);
+      log.wait_beyond(position, host ? &host_look_interval : nullptr);
     }
-    pause_for(look_interval_ns);
+    nanosleep(&look_interval, nullptr);
+    host_ended = host && !platform::still_runs(*host);
     const uint64_t reached = print_from(log, position, looks >= unfinished_looks, tags, shot);
     looks = reached == position ? looks + 1 : 0;
     position = reached;
   }
-}
-
-// Returns once the host has ended. The descriptor is opened before the look at the start time: only
-// then is it sure to be the host's. Kernels before 5.3 have no such descriptor.
-void wait_for_end(const platform::process_identity& host) {
-  const platform::descriptor life{static_cast<int>(syscall(SYS_pidfd_open, host.pid, 0))};
-  while (platform::still_runs(host)) {
-    pollfd ended{life.get(), POLLIN, 0};
-    if (!life || poll(&ended, 1, -1) < 0) {
-      pause_for(look_interval_ns);
-    }
-  }
-}
-
-// Two looks later all that the host wrote is printed, unless standard output is stuck.
-void* end_with_host(void* /*unused*/) {
-  wait_for_end(*platform::named_host());
-  pause_for(2 * look_interval_ns);
-  _exit(0);
-}
-
-// A reader that a host's agent leaves in the background holds the host's output open: it must end
-// even when the host was killed. Its log has waits of other kinds, so a thread does the waiting.
-bool follow_host() {
-  pthread_t thread{};
-  return !platform::named_host() || pthread_create(&thread, nullptr, end_with_host, nullptr) == 0;
 }
 
 }  // namespace
@@ -142,10 +114,6 @@ int main(int argc, char** argv) {
     dlog::snapshot shot;
     print_from(*log, 0, true, words.subspan(1), shot);
     return 0;
-  }
-  if (!follow_host()) {
-    fputs("dlogutil: cannot start a thread that waits for the host's end\n", stderr);
-    return 1;
   }
   follow(*log, words);
   return 0;

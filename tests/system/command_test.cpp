@@ -109,7 +109,7 @@ TEST_F(Camera, LeavesNoLogReaderWhenItIsKilled) {
   const auto pids_of = [](const char* name) { return run({"pgrep", "-x", name}).out; };
   ASSERT_TRUE(eventually([&] { return !pids_of("dlogutil").empty(); }));
   run({"pkill", "-KILL", "-x", "orv-host"});
-  EXPECT_EQ(pipeline.wait(1000), 0) << "its output is still open";
+  EXPECT_EQ(pipeline.wait(2000), 0) << "its output is still open";
   EXPECT_EQ(pids_of("dlogutil"), "");
 }
 
