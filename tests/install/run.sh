@@ -42,6 +42,11 @@ compile_c() {
   "$CC" ${SYSROOT:+--sysroot="$SYSROOT"} -Wall -Wextra -Werror "$@"
 }
 
+# flags_of VARIABLE COMMAND...: what pkg-config prints, with a backslash before each blank in a name.
+flags_of() {
+  eval "$1=($("${@:2}"))"
+}
+
 glib_flags() {
   if [[ $SYSROOT ]]; then
     PKG_CONFIG_SYSROOT_DIR=$SYSROOT PKG_CONFIG_LIBDIR=$SYSROOT/usr/lib/arm-linux-gnueabihf/pkgconfig \
