@@ -22,7 +22,7 @@ function(orv_wrap_programs directory)
       file(CREATE_LINK ${ORV_EMULATOR} ${CMAKE_BINARY_DIR}/emulator/${target} SYMBOLIC)
       file(CONFIGURE OUTPUT ${CMAKE_BINARY_DIR}/bin/${target} @ONLY CONTENT
 "#!/bin/sh
-exec @CMAKE_BINARY_DIR@/emulator/@target@ -L @CMAKE_SYSROOT@ @orv_target_bin@/@target@ \"$@\"
+exec '@CMAKE_BINARY_DIR@/emulator/@target@' -L '@CMAKE_SYSROOT@' '@orv_target_bin@/@target@' \"$@\"
 ")
       file(CHMOD ${CMAKE_BINARY_DIR}/bin/${target} PERMISSIONS
            OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)

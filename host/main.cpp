@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "command_line.h"
+#include "host_process.h"
 
 namespace {
 
@@ -71,6 +72,7 @@ int run(const agent& loaded) {
   g_unix_signal_add(SIGTERM, quit, loop);
   g_unix_signal_add(SIGINT, quit, loop);
   prctl(PR_SET_CHILD_SUBREAPER, 1);
+  platform::name_this_process_host();  // its log reader ends with it, however it ends
   const bool started = loaded.start() == 0;
   if (started) {
     puts("orv-host: the agent runs; SIGTERM or SIGINT ends it");

@@ -47,11 +47,11 @@ int tell(const context& shared, const command& sent, exchange_error error) {
 }
 
 bool store_is_usable(context& shared) {
-  const platform::root_check store = platform::check_root(shared.store);
+  const platform::root_check store = platform::check_root(shared.store.c_str());
   if (store.state == platform::root_state::usable) {
     return true;
   }
-  fprintf(stderr, "orvctl: store %s\n", store.reason.c_str());
+  fprintf(stderr, "orvctl: store %s\n", store.reason);
   shared.status = status_usage;
   return false;
 }

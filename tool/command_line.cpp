@@ -85,7 +85,7 @@ void describe_program(CLI::App& app, context& shared, std::span<char* const> wor
   app.fallthrough();
   app.parse_complete_callback([&shared] {
     if (shared.store.empty()) {
-      shared.store = platform::root_path();
+      shared.store = platform::root_path().text;
     }
     setenv("ORV_PLATFORM_ROOT", shared.store.c_str(), 1);
   });

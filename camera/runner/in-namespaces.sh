@@ -40,17 +40,22 @@ root_entries() {
   done
 }
 
+# A tree below a private place would be missing in the camera. The place itself stays the camera's.
+is_hidden() {
+  is_private "$1" && [[ $1 = /*/?* && -e $1 ]]
+}
+
 collect_mounts() {
   local i tree
-  local -a needed_trees=()
-  # Of a build for another architecture: its libraries, and this machine's tools.
-  [[ ! -e $libexec/needed-trees ]] || mapfile -t needed_trees <"$libexec/needed-trees"
+  local -a trees=("$prefix")
+  # Of a build tree: itself under the name that it was made by, its sources, and what else it needs.
+  [[ ! -e $libexec/needed-trees ]] || mapfile -t -O 1 trees <"$libexec/needed-trees"
   mounts=()
   root_entries
   mounts+=(--proc /proc --dev /dev --perms 1777 --tmpfs /tmp --perms 1777 --dir /sdcard)
   mounts+=(--perms 0700 --dir "$scratch" --perms 0700 --dir "$scratch/platform")
-  for tree in "$prefix" "${needed_trees[@]}"; do
-    is_private "$tree" && mounts+=(--bind "$tree" "$tree")
+  for tree in "${trees[@]}"; do
+    is_hidden "$tree" && mounts+=(--bind "$tree" "$tree")
   done
   [[ $store ]] && mounts+=(--bind "$store" "$store")
   for ((i = 0; i < ${#binds[@]}; i += 2)); do

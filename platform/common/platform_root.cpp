@@ -2,6 +2,9 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <stdarg.h>
+#include <stdint.h>
+#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/stat.h>
@@ -12,76 +15,79 @@ namespace {
 
 constexpr mode_t open_to_others = S_IRWXG | S_IRWXO;
 
-std::string octal(mode_t mode) {
-  std::string digits;
-  for (mode_t rest = mode & 07777U; rest != 0 || digits.size() < 4; rest >>= 3U) {
-    digits.insert(digits.begin(), static_cast<char>('0' + (rest & 7U)));
-  }
-  return digits;
+__attribute__((format(printf, 2, 3))) root_check check(root_state state, const char* format, ...) {
+  root_check result{state, {}};
+  va_list arguments;
+  va_start(arguments, format);
+  vsnprintf(result.reason, sizeof result.reason, format, arguments);
+  va_end(arguments);
+  return result;
 }
 
-root_check judge(const std::string& path, const struct stat& status) {
+root_check judge(const char* path, const struct stat& status) {
   if (!S_ISDIR(status.st_mode)) {
-    return {root_state::refused, path + " is not a directory; name another root"};
+    return check(root_state::refused, "%s is not a directory; name another root", path);
   }
   if (status.st_uid != geteuid()) {
-    return {root_state::refused, path + " belongs to user " + std::to_string(status.st_uid) +
-                                     ", not to this one; name a root of your own"};
+    return check(root_state::refused,
+                 "%s belongs to user %ju, not to this one; name a root of your own", path,
+                 uintmax_t{status.st_uid});
   }
   if ((status.st_mode & open_to_others) != 0) {
-    return {root_state::refused, path + " is open to others (mode " + octal(status.st_mode) +
-                                     "); close it with chmod 700 or name another root"};
+    return check(root_state::refused,
+                 "%s is open to others (mode %04o); close it with chmod 700 or name another root",
+                 path, status.st_mode & 07777U);
   }
   return {root_state::usable, {}};
 }
 
-root_check failure(const std::string& path, int error, bool make) {
-  const std::string reason = path + ": " + strerror(error);
-  if (error != ENOENT) {
-    return {root_state::refused, reason};
-  }
-  return make ? root_check{root_state::refused, reason + "; is the directory above it there?"}
-              : root_check{root_state::missing, reason + "; is a host running on it?"};
+root_check failure(const char* path, int error, bool make) {
+  const char* next = make ? "; is the directory above it there?" : "; is a host running on it?";
+  const bool missing = error == ENOENT;
+  return check(missing && !make ? root_state::missing : root_state::refused, "%s: %s%s", path,
+               strerror(error), missing ? next : "");
 }
 
-int open_directory(const std::string& path) {
-  return open(path.c_str(), O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+int open_directory(const char* path) {
+  return open(path, O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
 }
 
 }  // namespace
 
-std::string root_path() {
+root_name root_path() {
+  root_name name{};
   const char* named = getenv("ORV_PLATFORM_ROOT");
-  if (named != nullptr && *named != '\0') {
-    return named;
-  }
   const char* runtime = getenv("XDG_RUNTIME_DIR");
-  if (runtime != nullptr && *runtime != '\0') {
-    return std::string{runtime} + "/orv-platform";
+  if (named != nullptr && *named != '\0') {
+    snprintf(name.text, sizeof name.text, "%s", named);
+  } else if (runtime != nullptr && *runtime != '\0') {
+    snprintf(name.text, sizeof name.text, "%s/orv-platform", runtime);
+  } else {
+    snprintf(name.text, sizeof name.text, "/dev/shm/orv-platform-%ju", uintmax_t{geteuid()});
   }
-  return "/dev/shm/orv-platform-" + std::to_string(geteuid());
+  return name;
 }
 
-root_check check_root(const std::string& path) {
+root_check check_root(const char* path) {
   struct stat status {};
-  if (lstat(path.c_str(), &status) != 0) {
+  if (lstat(path, &status) != 0) {
     return failure(path, errno, false);
   }
   return judge(path, status);
 }
 
 int open_root(bool make, root_check& why) {
-  const std::string path = root_path();
-  int fd = open_directory(path);
-  if (fd < 0 && errno == ENOENT && make && (mkdir(path.c_str(), S_IRWXU) == 0 || errno == EEXIST)) {
-    fd = open_directory(path);
+  const root_name path = root_path();
+  int fd = open_directory(path.text);
+  if (fd < 0 && errno == ENOENT && make && (mkdir(path.text, S_IRWXU) == 0 || errno == EEXIST)) {
+    fd = open_directory(path.text);
   }
   if (fd < 0) {
-    why = failure(path, errno, make);
+    why = failure(path.text, errno, make);
     return -1;
   }
   struct stat status {};
-  why = fstat(fd, &status) == 0 ? judge(path, status) : failure(path, errno, make);
+  why = fstat(fd, &status) == 0 ? judge(path.text, status) : failure(path.text, errno, make);
   if (why.state != root_state::usable) {
     close(fd);
     return -1;

@@ -10,19 +10,22 @@
 #include <string_view>
 
 #include "dlog.h"
+#include "host_process.h"
 #include "ring.h"
 
 namespace {
 
 // Between looks at a log that grows: writers then wake a sleeping reader this often at most.
-constexpr long look_interval_ns = 100'000'000;
+constexpr timespec look_interval{0, 100'000'000};
+// Between looks at a host while the log is at rest.
+constexpr timespec host_look_interval{0, 250'000'000};
 // A record that stays unfinished this long was left by a killed writer.
 constexpr int unfinished_looks = 2;
 
 constexpr char usage[] =
     "Usage: dlogutil [-d] [TAG ...]\n"
     "Print the system log's records with these tags, or all, oldest first, and follow the log\n"
-    "until stopped.\n"
+    "until stopped; a reader that a host started ends with the host (ORV_HOST_PID).\n"
     "  -d      print what the log holds and end\n"
     "  --help  print this and end\n";
 
@@ -68,16 +71,20 @@ uint64_t print_from(const dlog::ring& log, uint64_t position, bool skip_unfinish
   return position;
 }
 
+// A reader that a host's agent leaves in the background holds the host's output open: it ends with
+// the host, even when that was killed, once it has printed what the host wrote.
 void follow(const dlog::ring& log, std::span<char*> tags) {
+  const auto host = platform::named_host();
   dlog::snapshot shot;
   uint64_t position = print_from(log, 0, false, tags, shot);
   int looks = 0;
-  while (ferror(stdout) == 0) {
+  bool host_ended = false;
+  while (ferror(stdout) == 0 && !host_ended) {
     if (position == log.head()) {
-      log.wait_beyond(position);
+      log.wait_beyond(position, host ? &host_look_interval : nullptr);
     }
-    const timespec pause{0, look_interval_ns};
-    nanosleep(&pause, nullptr);
+    nanosleep(&look_interval, nullptr);
+    host_ended = host && !platform::still_runs(*host);
     const uint64_t reached = print_from(log, position, looks >= unfinished_looks, tags, shot);
     looks = reached == position ? looks + 1 : 0;
     position = reached;
@@ -106,8 +113,8 @@ int main(int argc, char** argv) {
   if (dump) {
     dlog::snapshot shot;
     print_from(*log, 0, true, words.subspan(1), shot);
-  } else {
-    follow(*log, words);
+    return 0;
   }
+  follow(*log, words);
   return 0;
 }

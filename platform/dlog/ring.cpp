@@ -97,8 +97,8 @@ bool plausible(const record_header& header) {
          header.size == whole_size(header.tag_size, header.text_size);
 }
 
-long futex(std::atomic<uint32_t>& word, int operation, uint32_t value) {
-  return syscall(SYS_futex, &word, operation, value, nullptr, nullptr, 0);
+long futex(std::atomic<uint32_t>& word, int operation, uint32_t value, const timespec* longest) {
+  return syscall(SYS_futex, &word, operation, value, longest, nullptr, 0);
 }
 
 }  // namespace
@@ -138,7 +138,7 @@ void ring::append(record_header header, std::string_view tag, std::string_view t
 
   // Sequentially consistent with wait_beyond: either this sees the sleeper or it saw the new head.
   if (header_->awaited.load() != 0 && header_->awaited.exchange(0) != 0) {
-    futex(header_->awaited, FUTEX_WAKE, INT32_MAX);
+    futex(header_->awaited, FUTEX_WAKE, INT32_MAX, nullptr);
   }
 }
 
@@ -181,10 +181,10 @@ uint64_t snapshot::find_record(uint64_t from) const noexcept {
   return from;
 }
 
-void ring::wait_beyond(uint64_t seen) const noexcept {
+void ring::wait_beyond(uint64_t seen, const timespec* longest) const noexcept {
   header_->awaited.store(1);
   if (head() == seen) {
-    futex(header_->awaited, FUTEX_WAIT, 1);
+    futex(header_->awaited, FUTEX_WAIT, 1, longest);
   }
 }
 

@@ -8,6 +8,7 @@
 
 #include <stddef.h>
 #include <stdint.h>
+#include <time.h>
 
 #include <atomic>
 #include <optional>
@@ -85,8 +86,8 @@ class ring {
   // Takes what the log holds from this position on, or from its tail when that is further.
   void copy_from(uint64_t position, snapshot& copy) const noexcept;
 
-  // Sleeps until the head has moved on from `seen`.
-  void wait_beyond(uint64_t seen) const noexcept;
+  // Sleeps until the head has moved on from `seen`, no longer than `longest` unless that is null.
+  void wait_beyond(uint64_t seen, const timespec* longest) const noexcept;
 
  private:
   ring(ring_header* header, char* data) : header_{header}, data_{data} {}

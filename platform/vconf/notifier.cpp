@@ -1,49 +1,43 @@
 #include "notifier.h"
 
-#include <errno.h>
 #include <glib-unix.h>
 #include <stdint.h>
-#include <stdio.h>
 #include <sys/inotify.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <list>
-#include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "directory_watch.h"
 #include "key_path.h"
-#include "platform_root.h"
 #include "value_file.h"
 
 namespace vconf {
 namespace {
 
-// A write renames a temporary file of a name of its own, so it arrives as one IN_MOVED_FROM that
-// the kernel cannot merge with its neighbour, after the new value stands. IN_MOVED_TO would carry
-// the same name each time, and unread ones would merge.
-constexpr uint32_t watched_events = IN_MOVED_FROM | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
 constexpr uint32_t directory_lost = IN_DELETE_SELF | IN_MOVE_SELF | IN_IGNORED;
-constexpr unsigned rewatch_interval_ms = 200;
-constexpr int not_watched = -1;
+constexpr gint64 rewatch_interval_us = 200'000;
+constexpr gint64 never = -1;
 
 struct registration {
   vconf_callback_fn callback;
   void* user_data;
+  uint64_t number;  // of all registrations, in the order in which they were made
 };
 
 struct watched_key {
   std::string key;
   int watch;
+  bool due;  // is to be delivered though no event says so
   std::vector<registration> registrations;
 };
 
 std::list<watched_key> watched_keys;
-int inotify_fd = -1;
-
-std::set<std::string, std::less<>> held_keys;  // of the main context's thread
+uint64_t next_number = 0;
+GSource* events_source = nullptr;
 
 watched_key* find_key(std::string_view key) {
   const auto found = std::find_if(watched_keys.begin(), watched_keys.end(),
@@ -63,113 +57,72 @@ registration* find_registration(watched_key& row, vconf_callback_fn callback) {
   return found == row.registrations.end() ? nullptr : &*found;
 }
 
-bool still_registered(const std::string& key, vconf_callback_fn callback) {
-  watched_key* row = find_key(key);
-  return row != nullptr && find_registration(*row, callback) != nullptr;
-}
-
-// Callbacks may register and remove as they like: what runs is a copy, looked up before each call.
-void deliver(std::string key) {
+// The key's first registration with a number of this range.
+const registration* find_numbered(std::string_view key, uint64_t from, uint64_t end) {
   const watched_key* row = find_key(key);
   if (row == nullptr) {
-    return;
+    return nullptr;
   }
-  const std::vector<registration> callbacks = row->registrations;
-  for (const registration& one : callbacks) {
-    if (still_registered(key, one.callback)) {
-      vconf_keynode node{key.data()};
-      one.callback(&node, one.user_data);
+  const auto found = std::find_if(row->registrations.begin(), row->registrations.end(),
+                                  [from](const auto& one) { return one.number >= from; });
+  return found == row->registrations.end() || found->number >= end ? nullptr : &*found;
+}
+
+// Callbacks may register and remove as they like, so each is looked up when it is its turn. No
+// delivery allocates: an event that was read and then found no memory would be lost.
+void deliver(const watched_key& row) {
+  char name[max_key_length + 1];
+  name[row.key.copy(name, max_key_length)] = '\0';
+  vconf_keynode node{name};
+  const std::string_view key{name};
+  const uint64_t end = next_number;
+  uint64_t from = 0;
+  while (const registration* next = find_numbered(key, from, end)) {
+    from = next->number + 1;
+    next->callback(&node, next->user_data);
+  }
+}
+
+void deliver_due_keys() {
+  const auto is_due = [](const watched_key& row) { return row.due; };
+  while (true) {
+    const auto found = std::find_if(watched_keys.begin(), watched_keys.end(), is_due);
+    if (found == watched_keys.end()) {
+      return;
     }
+    found->due = false;
+    deliver(*found);
   }
-}
-
-bool is_named(int root, const std::string& path) {
-  struct stat opened {};
-  struct stat named {};
-  return fstat(root, &opened) == 0 && lstat(path.c_str(), &named) == 0 &&
-         opened.st_ino == named.st_ino && opened.st_dev == named.st_dev;
-}
-
-int add_watch_below(const std::string& root_name, std::string_view key, uint32_t mask) {
-  const std::string path = root_name + "/" + std::string{key};
-  return inotify_add_watch(inotify_fd, path.c_str(), mask);
-}
-
-// By the root's name, where that still means this root: the first look through /proc/self in a
-// process takes longer than all that a test tool sends.
-int add_watch(int root, std::string_view key, uint32_t mask) {
-  const std::string name = platform::root_path();
-  const int watch = add_watch_below(name, key, mask);
-  const bool too_long = watch == not_watched && errno == ENAMETOOLONG;
-  if (!too_long && is_named(root, name)) {
-    return watch;
-  }
-  if (watch != not_watched) {
-    inotify_rm_watch(inotify_fd, watch);
-  }
-  return add_watch_below("/proc/self/fd/" + std::to_string(root), key, mask);
-}
-
-int watch_made_directory(int root, const std::string& key) {
-  const int watch = add_watch(root, key, watched_events);
-  return watch == not_watched && make_key_directory(root, key)
-             ? add_watch(root, key, watched_events)
-             : watch;
-}
-
-int watch_directory(const std::string& key) {
-  const int root = root_descriptor(true);
-  const int watch = root >= 0 ? watch_made_directory(root, key) : not_watched;
-  if (watch != not_watched || root < 0) {
-    return watch;
-  }
-  const int fresh_root = root_descriptor(true, true);
-  return fresh_root >= 0 ? watch_made_directory(fresh_root, key) : not_watched;
-}
-
-bool has_value(const std::string& key) {
-  value found{};
-  return read_value(key.c_str(), found) == 0;
-}
-
-gboolean rewatch_lost_keys(gpointer) {
-  bool all_watched = true;
-  std::vector<std::string> written_meanwhile;
-  for (watched_key& row : watched_keys) {
-    if (row.watch != not_watched) {
-      continue;
-    }
-    row.watch = watch_directory(row.key);
-    all_watched = all_watched && row.watch != not_watched;
-    if (row.watch != not_watched && has_value(row.key)) {
-      written_meanwhile.push_back(row.key);
-    }
-  }
-  for (const std::string& key : written_meanwhile) {
-    deliver(key);
-  }
-  return all_watched ? G_SOURCE_REMOVE : G_SOURCE_CONTINUE;
 }
 
 // Whoever removes the tree may be halfway through it; what cannot be watched now is tried again.
+void rewatch_lost_keys() {
+  bool all_watched = true;
+  for (watched_key& row : watched_keys) {
+    if (row.watch == not_watched) {
+      row.watch = watch_directory(row.key);
+      all_watched = all_watched && row.watch != not_watched;
+      row.due = row.due || (row.watch != not_watched && has_value(row.key.c_str()));
+    }
+  }
+  g_source_set_ready_time(events_source,
+                          all_watched ? never : g_get_monotonic_time() + rewatch_interval_us);
+  deliver_due_keys();
+}
+
 void lose(watched_key& row, uint32_t mask) {
   if ((mask & IN_MOVE_SELF) != 0) {
-    inotify_rm_watch(inotify_fd, row.watch);
+    end_watch(row.watch);
   }
   row.watch = not_watched;
-  if (rewatch_lost_keys(nullptr) == G_SOURCE_CONTINUE) {
-    g_timeout_add(rewatch_interval_ms, rewatch_lost_keys, nullptr);
-  }
+  rewatch_lost_keys();
 }
 
 void look_at_every_key() {
-  std::vector<std::string> keys;
-  for (const watched_key& row : watched_keys) {
-    keys.push_back(row.key);
+  for (watched_key& row : watched_keys) {
+    row.due = true;
   }
-  for (const std::string& key : keys) {
-    deliver(key);
-  }
+  deliver_due_keys();
 }
 
 void handle(const inotify_event& event) {
@@ -177,18 +130,24 @@ void handle(const inotify_event& event) {
     look_at_every_key();
     return;
   }
-  watched_key* row = find_watch(event.wd);
-  if ((event.mask & directory_lost) != 0) {
-    held_keys.clear();  // which of them, the next write of each tells
+  const bool lost = (event.mask & directory_lost) != 0;
+  if (lost) {
+    forget_held_directories();
   }
+  watched_key* row = find_watch(event.wd);
   if (row == nullptr) {
     return;
   }
-  if ((event.mask & directory_lost) != 0) {
+  if (lost) {
     lose(*row, event.mask);
   } else if (event.len != 0 && std::string_view{event.name}.starts_with(temporary_prefix)) {
-    deliver(row->key);
+    deliver(*row);
   }
+}
+
+bool rewatch_is_due() {
+  const gint64 time = g_source_get_ready_time(events_source);
+  return time != never && time <= g_get_monotonic_time();
 }
 
 gboolean read_events(gint fd, GIOCondition, gpointer) {
@@ -199,28 +158,39 @@ gboolean read_events(gint fd, GIOCondition, gpointer) {
     handle(*event);
     at += static_cast<ssize_t>(sizeof *event + event->len);
   }
+  if (rewatch_is_due()) {
+    rewatch_lost_keys();
+  }
   return G_SOURCE_CONTINUE;
 }
 
 bool start_source() {
-  if (inotify_fd >= 0) {
+  if (events_source != nullptr) {
     return true;
   }
-  inotify_fd = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-  if (inotify_fd < 0) {
-    perror("vconf: changes cannot be watched: inotify_init1");
+  if (!open_event_queue()) {
     return false;
   }
-  GSource* source = g_unix_fd_source_new(inotify_fd, G_IO_IN);
+  events_source = g_unix_fd_source_new(event_queue(), G_IO_IN);
   using callback = gboolean (*)(gint, GIOCondition, gpointer);
   const callback reader = read_events;
-  g_source_set_callback(source, G_SOURCE_FUNC(reader), nullptr, nullptr);
+  g_source_set_callback(events_source, G_SOURCE_FUNC(reader), nullptr, nullptr);
   // A source that may not recurse is taken out of the poll set for each dispatch, and putting it
   // back wakes the loop a second time.
-  g_source_set_can_recurse(source, TRUE);
-  g_source_attach(source, nullptr);
-  g_source_unref(source);
+  g_source_set_can_recurse(events_source, TRUE);
+  g_source_attach(events_source, nullptr);
   return true;
+}
+
+int add_key(const char* key, const registration& first) {
+  std::list<watched_key> added;
+  added.push_back({key, not_watched, false, {first}});
+  added.front().watch = watch_directory(key);
+  if (added.front().watch == not_watched) {
+    return VCONF_ERROR_STORE;
+  }
+  watched_keys.splice(watched_keys.end(), added);
+  return 0;
 }
 
 }  // namespace
@@ -234,27 +204,14 @@ int add_registration(const char* key, vconf_callback_fn callback, void* user_dat
   }
   watched_key* row = find_key(key);
   if (row == nullptr) {
-    const int watch = watch_directory(key);
-    if (watch == not_watched) {
-      return VCONF_ERROR_STORE;
-    }
-    row = &watched_keys.emplace_back(watched_key{key, watch, {}});
+    return add_key(key, {callback, user_data, next_number++});
   }
   if (registration* known = find_registration(*row, callback)) {
     known->user_data = user_data;
   } else {
-    row->registrations.push_back({callback, user_data});
+    row->registrations.push_back({callback, user_data, next_number++});
   }
   return 0;
-}
-
-void hold_directory(int root, std::string_view key) {
-  const bool serving =
-      inotify_fd >= 0 && g_main_depth() > 0 && g_main_context_is_owner(g_main_context_default());
-  if (serving && !held_keys.contains(key)) {
-    held_keys.emplace(key);
-    add_watch(root, key, IN_DELETE_SELF | IN_ONLYDIR | IN_MASK_CREATE);
-  }
 }
 
 int remove_registrations(const char* key, vconf_callback_fn callback) {
@@ -265,9 +222,7 @@ int remove_registrations(const char* key, vconf_callback_fn callback) {
   const auto removed = std::erase_if(
       row->registrations, [callback](const auto& one) { return one.callback == callback; });
   if (row->registrations.empty()) {
-    if (row->watch != not_watched) {
-      inotify_rm_watch(inotify_fd, row->watch);
-    }
+    end_watch(row->watch);
     watched_keys.remove_if([key](const auto& one) { return one.key == key; });
   }
   return removed != 0 ? 0 : VCONF_ERROR_NO_KEY;

@@ -1,10 +1,8 @@
-// Watching keys: who is called for which, and the inotify source on the default main context.
+// Who is called for which key, and the source of events on the default main context.
 //
-// Every function but hold_directory runs on the main context's thread only.
+// Every function runs on the main context's thread only.
 #ifndef ORV_VCONF_NOTIFIER_H
 #define ORV_VCONF_NOTIFIER_H
-
-#include <string_view>
 
 #include "vconf.h"
 
@@ -14,16 +12,10 @@ struct vconf_keynode {
 
 namespace vconf {
 
-// 0 or a negative VCONF_ERROR.
+// 0 or a negative VCONF_ERROR. Only adding allocates, and throws std::bad_alloc, having added
+// nothing.
 int add_registration(const char* key, vconf_callback_fn callback, void* user_data);
 int remove_registrations(const char* key, vconf_callback_fn callback);
-
-// Called behind a write: in a process that watches keys, what a source of the main context writes
-// is what others wait for, and a mark that no write triggers is kept on its directory; elsewhere,
-// and on other threads, nothing is done. Where the last mark of a directory goes with a process, as
-// with a test tool that waited for an answer, the kernel has that process wait before it ends: 7 ms
-// a call of the tool in place of 2.4 (Linux 6.18).
-void hold_directory(int root, std::string_view key);
 
 }  // namespace vconf
 

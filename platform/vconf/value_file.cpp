@@ -13,10 +13,11 @@
 
 #include <atomic>
 #include <mutex>
+#include <utility>
 
 #include "descriptor.h"
+#include "directory_watch.h"
 #include "key_path.h"
-#include "notifier.h"
 #include "platform_root.h"
 #include "vconf.h"
 
@@ -29,13 +30,11 @@ constexpr time_t stale_after_s = 10;
 constexpr uint32_t writes_per_sweep = 61;
 constexpr int write_attempts = 3;
 constexpr int read_attempts = 100;
-// A value of less fits into a link with its letter.
-constexpr size_t max_link_size = 1024;
 
 void report_once(const platform::root_check& why) {
   static std::atomic_flag reported = ATOMIC_FLAG_INIT;
   if (why.state == platform::root_state::refused && !reported.test_and_set()) {
-    fprintf(stderr, "vconf: %s\n", why.reason.c_str());
+    fprintf(stderr, "vconf: %s\n", why.reason);
   }
 }
 
@@ -54,7 +53,7 @@ void remove_when_stale(int directory, const char* name) {
   }
 }
 
-// Temporary files that killed writers left behind. A write takes microseconds; should a stopped
+// Temporary files that killed writers left. A write takes microseconds; should a stopped
 // writer come back to a file that is gone, its rename fails and it starts over.
 void sweep(int root, const char* key) {
   const int fd = openat(root, key, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -127,45 +126,41 @@ attempt replace_value(int root, std::string_view key, value_type type, std::stri
   return errno == ENOENT ? attempt::no_directory : attempt::failed;
 }
 
-// The rest of a value whose beginning is known, or null.
-owned_text read_rest(int fd, const char* beginning, size_t known) {
-  struct stat status {};
-  if (fstat(fd, &status) != 0 || status.st_size > static_cast<off_t>(max_value_size + 1)) {
-    return nullptr;
-  }
-  const auto size = static_cast<size_t>(status.st_size);
-  owned_text text{static_cast<char*>(malloc(size))};
-  if (!text) {
-    return nullptr;
-  }
-  memcpy(text.get(), beginning + 1, known - 1);
-  size_t filled = known - 1;
-  while (filled < size - 1) {
-    const ssize_t more = read(fd, text.get() + filled, size - 1 - filled);
-    if (more <= 0) {
-      return nullptr;
+// False also for a file that is shorter: somebody cut it after its size was read.
+bool read_whole(int fd, char* place, size_t size) {
+  while (size > 0) {
+    const ssize_t got = read(fd, place, size);
+    if (got <= 0) {
+      return false;
     }
-    filled += static_cast<size_t>(more);
+    place += got;
+    size -= static_cast<size_t>(got);
   }
-  text.get()[filled] = '\0';
-  return text;
+  return true;
 }
 
 int read_open_value(int fd, value& result) {
-  char beginning[4096];
-  const ssize_t got = read(fd, beginning, sizeof beginning);
-  if (got < 1) {
+  struct stat status {};
+  if (fstat(fd, &status) != 0 || !S_ISREG(status.st_mode) || status.st_size < 1 ||
+      status.st_size > static_cast<off_t>(max_value_size + 1)) {
     return VCONF_ERROR_STORE;
   }
-  const auto known = static_cast<size_t>(got);
-  result.type = static_cast<value_type>(beginning[0]);
-  result.text = known < sizeof beginning ? owned_text{strndup(beginning + 1, known - 1)}
-                                         : read_rest(fd, beginning, known);
-  return result.text ? 0 : VCONF_ERROR_STORE;
+  const auto text_size = static_cast<size_t>(status.st_size) - 1;
+  owned_text text{static_cast<char*>(malloc(text_size + 1))};
+  char letter = '\0';
+  if (!text || !read_whole(fd, &letter, 1) || !read_whole(fd, text.get(), text_size)) {
+    return VCONF_ERROR_STORE;
+  }
+  text.get()[text_size] = '\0';
+  result.type = static_cast<value_type>(letter);
+  result.long_text = std::move(text);
+  return 0;
 }
 
+// Without O_NONBLOCK, opening a fifo waits for a writer.
 int read_file(int root, const char* path, value& result) {
-  const descriptor file{openat(root, path, O_RDONLY | O_NOFOLLOW | O_CLOEXEC)};
+  constexpr int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC;
+  const descriptor file{openat(root, path, flags)};
   return file ? read_open_value(file.get(), result) : VCONF_ERROR_STORE;
 }
 
@@ -176,9 +171,10 @@ int read_link(int root, const char* path, value& result) {
   if (length < 1) {
     return VCONF_ERROR_STORE;
   }
+  const std::string_view text{target + 1, static_cast<size_t>(length) - 1};
   result.type = static_cast<value_type>(target[0]);
-  result.text.reset(strndup(target + 1, static_cast<size_t>(length) - 1));
-  return result.text ? 0 : VCONF_ERROR_STORE;
+  result.short_text[text.copy(result.short_text, text.size())] = '\0';
+  return 0;
 }
 
 // Short values are the common ones. Between the two looks a value may change from one to the other.
@@ -250,6 +246,12 @@ int read_value(const char* key, value& result) {
     outcome = read_either(root_descriptor(false, true), path.text, result);
   }
   return outcome == 0 || errno != ENOENT ? outcome : VCONF_ERROR_NO_KEY;
+}
+
+bool has_value(const char* key) {
+  struct stat status {};
+  const int root = root_descriptor(false);
+  return root >= 0 && fstatat(root, value_path(key).text, &status, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
 int write_value(const char* key, value_type type, std::string_view text) {

@@ -5,6 +5,7 @@
 #include <string.h>
 
 #include <charconv>
+#include <new>
 #include <optional>
 
 #include "notifier.h"
@@ -28,7 +29,7 @@ int vconf_get_int(const char* key, int* value) {
     return outcome;
   }
   const auto number =
-      found.type == vconf::value_type::integer ? parse_integer(found.text.get()) : std::nullopt;
+      found.type == vconf::value_type::integer ? parse_integer(found.text()) : std::nullopt;
   if (!number) {
     return VCONF_ERROR_TYPE;
   }
@@ -41,7 +42,7 @@ char* vconf_get_str(const char* key) {
   if (vconf::read_value(key, found) != 0 || found.type != vconf::value_type::text) {
     return nullptr;
   }
-  return found.text.release();
+  return found.long_text ? found.long_text.release() : strdup(found.short_text);
 }
 
 int vconf_set_int(const char* key, int value) {
@@ -62,8 +63,10 @@ int vconf_set_str(const char* key, const char* value) {
   return vconf::write_value(key, vconf::value_type::text, text);
 }
 
-int vconf_notify_key_changed(const char* key, vconf_callback_fn callback, void* user_data) {
+int vconf_notify_key_changed(const char* key, vconf_callback_fn callback, void* user_data) try {
   return vconf::add_registration(key, callback, user_data);
+} catch (const std::bad_alloc&) {
+  return VCONF_ERROR_STORE;
 }
 
 int vconf_ignore_key_changed(const char* key, vconf_callback_fn callback) {

@@ -28,7 +28,7 @@ extern "C" {
 enum {
   VCONF_ERROR_NO_KEY = -1, /* no such key, or a name that no key can have */
   VCONF_ERROR_TYPE = -2,   /* the key holds another type */
-  VCONF_ERROR_STORE = -3   /* the store cannot be reached */
+  VCONF_ERROR_STORE = -3   /* the store cannot be reached, or memory was refused */
 };
 
 enum { VCONF_TYPE_STRING = 40, VCONF_TYPE_INT = 41 };
@@ -42,7 +42,7 @@ VCONF_API int vconf_get_int(const char* key, int* value);
 /* The text, to be freed with free(), or null. */
 VCONF_API char* vconf_get_str(const char* key);
 
-/* 0, or a negative error; the old value then stands. */
+/* 0, or a negative error; the old value then stays. */
 VCONF_API int vconf_set_int(const char* key, int value);
 VCONF_API int vconf_set_str(const char* key, const char* value);
 

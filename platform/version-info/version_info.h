@@ -1,8 +1,8 @@
 /* Version information of the camera.
  *
  * Stand-in: read once from "version-info" under the platform's root (see vconf.h for the root):
- * lines "project=...", "board=...", "firmware=...". What is not said there comes from a made-up
- * camera. The texts belong to the library and are never null.
+ * lines "project=...", "board=...", "firmware=...", 4 KiB in all. What is not said there comes from
+ * a made-up camera. The texts belong to the library and are never null.
  */
 #ifndef VERSION_INFO_H
 #define VERSION_INFO_H

@@ -15,10 +15,10 @@ namespace_is_empty() {
 
 test_command_sees_only_its_own_processes_files_and_network() {
   touch "$scratch_dir/outside"
-  # The build is brought in wherever it lies, and what it needs beside it; that may be in /tmp.
-  DISPLAY=:0 bare -- bash -c 'find /tmp /sdcard ! -type d | grep -v "^$1/"; processes=(/proc/[0-9]*)
+  # The build and its sources are brought in wherever they lie; that may be in /tmp.
+  DISPLAY=:0 bare -- bash -c 'find /tmp /sdcard ! -type d | grep -vFf "$1"; processes=(/proc/[0-9]*)
     echo "${#processes[@]}"; grep -c : /proc/net/dev; stat -c %a "$ORV_PLATFORM_ROOT"
-    ls -A "$ORV_PLATFORM_ROOT"; echo "${DISPLAY-none}"' bash "${camera%/*/bin/camera}" >"$scratch_dir/seen"
+    ls -A "$ORV_PLATFORM_ROOT"; echo "${DISPLAY-none}"' bash "${camera%/bin/*}/lib/orv-camera/needed-trees" >"$scratch_dir/seen"
   expect_equal "$(<"$scratch_dir/seen")" $'2\n1\n700\nnone'
 }
 

@@ -3,8 +3,8 @@ prefix=$work/prefix
 install_tree "$prefix"
 read -ra instrumentation <<<"$INSTRUMENTATION"
 
-read -ra flags < <(PKG_CONFIG_PATH=$prefix/$LIBDIR/pkgconfig pkg-config --cflags --libs orv-agent)
-read -ra glib < <(glib_flags)
+PKG_CONFIG_PATH=$prefix/$LIBDIR/pkgconfig flags_of flags pkg-config --cflags --libs orv-agent
+flags_of glib glib_flags
 compile_c -std=c11 -Wpedantic "${instrumentation[@]}" "$here/consumer/host.c" \
   -o "$prefix/bin/pkg-config-host" "${flags[@]}" "${glib[@]}" -Wl,-rpath,"$prefix/$LIBDIR"
 

@@ -1,6 +1,6 @@
 # On a camera the agent runs with the camera's libraries. Here others than the stand-ins come first:
 # the host's agent uses them and answers through them. So it does with an Xlib from years ago.
-read -ra glib < <(glib_flags)
+flags_of glib glib_flags
 for library in vconf dlog version-info; do
   compile_c -std=gnu2x -shared -fPIC "$here/platform.c" -o lib$library.so.0 "${glib[@]}"
 done

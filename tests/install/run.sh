@@ -32,7 +32,7 @@ emulate() {
     name=${program##*/}
     mv "$program" "$1/target-bin/"
     ln -sf "$EMULATOR" "$1/emulator/$name"
-    printf '#!/bin/sh\nexec %s -L %s %s "$@"\n' "$1/emulator/$name" "$SYSROOT" \
+    printf '#!/bin/sh\nexec %q -L %q %q "$@"\n' "$1/emulator/$name" "$SYSROOT" \
       "$1/target-bin/$name" >"$program"
     chmod +x "$program"
   done
@@ -41,6 +41,11 @@ emulate() {
 
 compile_c() {
   "$CC" ${SYSROOT:+--sysroot="$SYSROOT"} -Wall -Wextra -Werror "$@"
+}
+
+# flags_of VARIABLE COMMAND...: what pkg-config prints, with a backslash before each blank in a name.
+flags_of() {
+  eval "$1=($("${@:2}"))"
 }
 
 glib_flags() {

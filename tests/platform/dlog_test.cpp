@@ -119,4 +119,9 @@ TEST(Log, IsFollowedUntilTheReaderIsStopped) {
   EXPECT_EQ(reader.wait(), 128 + SIGTERM);
 }
 
+TEST(Log, IsNoLongerFollowedOnceItsHostsIdIsReused) {
+  background reader{{"env", "ORV_HOST_PID=" + std::to_string(getpid()) + " 1", "dlogutil", "NONE"}};
+  EXPECT_EQ(reader.wait(1000), 0);
+}
+
 }  // namespace

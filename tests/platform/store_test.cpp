@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits.h>
@@ -76,6 +77,55 @@ TEST_F(Store, TellsAMissingKeyFromOneOfAnotherType) {
   EXPECT_EQ(number_of("memory/text"), VCONF_ERROR_TYPE);
   EXPECT_EQ(text_of("memory/int"), "(none)");
   EXPECT_EQ(number_of("memory"), VCONF_ERROR_NO_KEY);
+}
+
+TEST_F(Store, RefusesAtOnceWhatIsNoRegularFile) {
+  const fs::path place = root() / "memory/odd/.value";
+  const std::string full(4096, 'x');  // what one read of the store may take
+  const auto make_fifo_with = [&](size_t size) {
+    const int fd = mkfifo(place.c_str(), 0600) == 0 ? open(place.c_str(), O_RDWR) : -1;
+    EXPECT_EQ(write(fd, full.data(), size), static_cast<ssize_t>(size));
+    return fd;
+  };
+  const auto read_both = [] {
+    return number_of("memory/odd") == VCONF_ERROR_STORE && text_of("memory/odd") == "(none)" ? 0
+                                                                                             : 1;
+  };
+  const std::pair<const char*, std::function<int()>> rows[] = {
+      {"fifo", [&] { return mkfifo(place.c_str(), 0600); }},
+      {"fifo that holds bytes", [&] { return make_fifo_with(full.size()); }},
+      {"directory", [&] { return mkdir(place.c_str(), 0700); }},
+      {"empty file", [&] { return creat(place.c_str(), 0600); }},
+  };
+  fs::create_directories(place.parent_path());
+  fs::permissions(root(), fs::perms::owner_all);
+  for (const auto& [name, make] : rows) {
+    SCOPED_TRACE(name);
+    const int descriptor = make();
+    ASSERT_GE(descriptor, 0);
+    background reader{read_both};
+    EXPECT_EQ(reader.wait(1000), 0);
+    if (descriptor > 0) {
+      close(descriptor);
+    }
+    fs::remove(place);
+  }
+}
+
+TEST_F(Store, ReadsNoMoreThanIsLeftOfAFileThatIsCut) {
+  const fs::path place = root() / "memory/cut/.value";
+  const std::string text(9000, 's');
+  ASSERT_EQ(vconf_set_str("memory/cut", text.c_str()), 0);
+  const background cutter{[&]() -> int {
+    while (true) {
+      fs::resize_file(place, 100);
+      std::ofstream{place, std::ios::in} << 's' << text;
+    }
+  }};
+  for (int i = 0; i < 20'000; ++i) {
+    const std::string seen = text_of("memory/cut");
+    ASSERT_TRUE(seen == "(none)" || text.starts_with(seen)) << seen.size();
+  }
 }
 
 TEST_F(Store, RefusesNamesThatLeaveItsTree) {
@@ -235,6 +285,16 @@ TEST_F(Store, StaysWithItsRootWhenAnotherTakesItsName) {
   EXPECT_TRUE(seen_afterwards.reaches(1));
   fs::remove_all(root());
   fs::rename(moved, root());
+}
+
+TEST_F(Store, WatchesAgainOnceItsRootCanBeMade) {
+  const key_counter seen{"memory/key"};
+  fs::remove_all(root());
+  std::ofstream{root()} << "in the way";
+  EXPECT_FALSE(run_until([] { return false; }, 50));
+  fs::remove(root());
+  vconf_set_int("memory/key", 1);
+  EXPECT_TRUE(seen.reaches(1));
 }
 
 // A value that says of itself whether it is whole.

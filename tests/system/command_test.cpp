@@ -103,6 +103,16 @@ TEST_F(Camera, TakesItsLogReaderWithIt) {
   EXPECT_EQ(log_readers(), "");
 }
 
+TEST_F(Camera, LeavesNoLogReaderWhenItIsKilled) {
+  end_host();
+  background pipeline{{"sh", "-c", "orv-host | tail -n 1 >/dev/null"}};
+  const auto pids_of = [](const char* name) { return run({"pgrep", "-x", name}).out; };
+  ASSERT_TRUE(eventually([&] { return !pids_of("dlogutil").empty(); }));
+  run({"pkill", "-KILL", "-x", "orv-host"});
+  EXPECT_EQ(pipeline.wait(2000), 0) << "its output is still open";
+  EXPECT_EQ(pids_of("dlogutil"), "");
+}
+
 // This camera has no display.
 TEST_F(Camera, TellsWhatAFailedInjectionMayMean) {
   const std::pair<std::vector<std::string>, std::vector<std::string>> rows[] = {
