@@ -63,11 +63,20 @@ collect_mounts() {
   done
 }
 
+# bwrap ends the camera's processes only when it dies with its parent, so a detached camera has a
+# parent that stays, in a session that no terminal's signals reach.
+keep_camera() {
+  export ORV_CAMERA_READY=4
+  exec setsid bash -c 'bwrap --json-status-fd 5 --args 3 "$@"; exit' - \
+    bash "$libexec/inside.sh" "$scratch" "$display" "$app" "${command[@]}"
+}
+
 run_camera() {
   check_binds
   collect_mounts
   export ORV_PLATFORM_ROOT=${store:-$scratch/platform}
   # Through a descriptor, or the long list would stand in the camera's process table.
   exec 3< <(printf '%s\0' "${namespaces[@]}" "${mounts[@]}")
+  [[ $detach = no ]] || keep_camera
   exec bwrap --args 3 bash "$libexec/inside.sh" "$scratch" "$display" "$app" "${command[@]}"
 }

@@ -34,4 +34,9 @@ if ! type -P -- "$1" >/dev/null; then
   echo "camera: $1: no such program in the camera (its /tmp is empty; --bind adds files)" >&2
   exit 127
 fi
+if [[ ${ORV_CAMERA_READY-} ]]; then
+  echo ready >&"$ORV_CAMERA_READY"
+  exec {ORV_CAMERA_READY}>&-
+  unset ORV_CAMERA_READY
+fi
 exec -- "$@"

@@ -60,6 +60,25 @@ test_dead_application_leaves_no_process_behind() {
   [[ -e $scratch_dir/reaped/gone ]] || fail_check "a zombie stays"
 }
 
+test_detached_camera_outlives_its_starter_and_ends_for_certain() {
+  local name=test-$BASHPID
+  unique_sleep
+  expect_equal "$(setsid "$camera" --no-app --detach --name "$name" -- bash -c \
+    "setsid sleep $sleep_seconds & orv-host & wait" | cut -d' ' -f-3)" "camera $name runs;"
+  expect_failure 125 "camera: a camera named $name runs already; camera stop $name ends it" \
+    "$camera" --detach --name "$name" -- true
+  local store
+  store=$("$camera" list | sed -n "s/^$name *running .* //p")
+  wait_until "${camera%/*}/orvctl" --store "$store" --timeout 1 target >/dev/null
+  "$camera" stop "$name"
+  expect_equal "$? $(pgrep -fc "sleep $sleep_seconds") $("$camera" list | grep -c "$name")" '0 0 0'
+  expect_failure 125 "camera: no camera named $name; camera list names them" "$camera" stop "$name"
+  "$camera" --no-display --detach --name "$name" -- bash -c 'exit 7' >/dev/null
+  has_ended() { "$camera" list | grep -q "^$name *ended 7 "; }
+  wait_until has_ended
+  "$camera" stop "$name"
+}
+
 test_store_outlives_the_camera_and_is_shared_with_the_outside() {
   local store=$scratch_dir/store
   bare --store "$store" -- bash -c 'echo inside >"$ORV_PLATFORM_ROOT/value"'
@@ -85,6 +104,9 @@ test_wrong_use_gets_one_line() {
     bare --bind /etc/passwd /usr/lib/none -- true
   expect_failure 125 'camera: --store: cannot make the directory /proc/none' \
     bare --store /proc/none -- true
+  expect_failure 125 'camera: --detach needs --name NAME' bare --detach -- true
+  expect_failure 125 'camera: "../x" is no name: 1 to 64 of A-Z a-z 0-9 . _ -, the first one no . or -' \
+    bare --detach --name ../x -- true
   expect_failure 127 \
     'camera: nap: no such program in the camera (its /tmp is empty; --bind adds files)' \
     bare -- nap
