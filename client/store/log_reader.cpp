@@ -1,0 +1,142 @@
+#include "log_reader.h"
+
+#include <errno.h>
+#include <glib-unix.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <memory>
+#include <utility>
+
+namespace orv_client {
+namespace {
+
+constexpr char agent_tag[] = "ORV";
+
+struct error_freer {
+  void operator()(GError* error) const noexcept { g_error_free(error); }
+};
+
+// An interrupt from the terminal is for the program, which then stops its reader.
+void leave_process_group(void* /*unused*/) {
+  setpgid(0, 0);
+}
+
+std::string failure_of(const GError& error) {
+  const bool missing = g_error_matches(&error, G_SPAWN_ERROR, G_SPAWN_ERROR_NOENT) != FALSE;
+  const std::string reason = missing ? g_strerror(ENOENT) : error.message;
+  return "cannot run dlogutil, the log's reader: " + reason + "; is it in PATH?";
+}
+
+std::string failure_of(int status) {
+  if (WIFEXITED(status) && WEXITSTATUS(status) != 0) {
+    return "dlogutil, the log's reader, ended with status " + std::to_string(WEXITSTATUS(status));
+  }
+  if (WIFSIGNALED(status) && WTERMSIG(status) != SIGKILL) {
+    return "dlogutil, the log's reader, was ended by signal " + std::to_string(WTERMSIG(status));
+  }
+  return "";
+}
+
+}  // namespace
+
+log_reader::log_reader(bool follow, line_fn on_line, end_fn on_end)
+    : on_line_{std::move(on_line)}, on_end_{std::move(on_end)} {
+  start(follow);
+}
+
+log_reader::~log_reader() {
+  remove_source();
+  end_child();
+}
+
+void log_reader::start(bool follow) {
+  const char* words[] = {"dlogutil", follow ? agent_tag : "-d", follow ? nullptr : agent_tag,
+                         nullptr};
+  GError* error = nullptr;
+  constexpr auto flags = static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_DO_NOT_REAP_CHILD);
+  if (g_spawn_async_with_pipes(nullptr, const_cast<char**>(words), nullptr, flags,
+                               leave_process_group, nullptr, &child_, nullptr, &output_, nullptr,
+                               &error) == FALSE) {
+    const std::unique_ptr<GError, error_freer> owned{error};
+    end_ = {false, failure_of(*error)};
+    stop();
+    return;
+  }
+  g_unix_set_fd_nonblocking(output_, TRUE, nullptr);
+  source_ = g_unix_fd_add(output_, G_IO_IN, output_ready, this);
+}
+
+void log_reader::stop() {
+  if (!std::exchange(stopping_, true)) {
+    remove_source();
+    source_ = g_idle_add(stopped, this);
+  }
+}
+
+gboolean log_reader::stopped(void* self) {
+  auto* reader = static_cast<log_reader*>(self);
+  reader->source_ = 0;
+  reader->finish();
+  return G_SOURCE_REMOVE;
+}
+
+void log_reader::finish() {
+  stopping_ = true;
+  remove_source();
+  end_child();
+  if (const end_fn on_end = std::exchange(on_end_, nullptr)) {
+    const end last = end_;
+    on_end(last);
+  }
+}
+
+gboolean log_reader::output_ready(int /*fd*/, GIOCondition /*condition*/, void* self) {
+  static_cast<log_reader*>(self)->read_output();
+  return G_SOURCE_CONTINUE;  // stop() has removed the source where that is due
+}
+
+void log_reader::read_output() {
+  char text[16384];
+  const ssize_t size = read(output_, text, sizeof text);
+  if (size > 0) {
+    unfinished_line_.append(text, static_cast<size_t>(size));
+    report_lines();
+  } else if (size == 0 || (errno != EAGAIN && errno != EINTR)) {
+    if (!unfinished_line_.empty()) {
+      on_line_(std::exchange(unfinished_line_, "").c_str());
+    }
+    stop();
+  }
+}
+
+void log_reader::report_lines() {
+  const std::string text = std::exchange(unfinished_line_, "");
+  size_t start = 0;
+  for (size_t newline; !stopping_ && (newline = text.find('\n', start)) != std::string::npos;) {
+    on_line_(text.substr(start, newline - start).c_str());
+    start = newline + 1;
+  }
+  unfinished_line_ = text.substr(start);
+}
+
+// A child that has closed its output has no more to do, and ends by itself or now.
+void log_reader::end_child() {
+  if (const GPid child = std::exchange(child_, 0); child != 0) {
+    close(output_);
+    kill(child, SIGKILL);
+    int status = 0;
+    if (waitpid(child, &status, 0) == child) {
+      end_.message = failure_of(status);
+    }
+  }
+}
+
+void log_reader::remove_source() {
+  if (const guint source = std::exchange(source_, 0); source != 0) {
+    g_source_remove(source);
+  }
+}
+
+}  // namespace orv_client

@@ -1,0 +1,57 @@
+// The agent's log: the platform's reader as a child process, and its lines.
+#ifndef ORV_CLIENT_STORE_LOG_READER_H
+#define ORV_CLIENT_STORE_LOG_READER_H
+
+#include <glib.h>
+
+#include <functional>
+#include <string>
+
+namespace orv_client {
+
+// Lives on the default context's thread. `on_end` comes last and once, never within the
+// constructor, and may destroy the reader.
+class log_reader {
+ public:
+  struct end {
+    bool ran;             // false: the reader could not be started
+    std::string message;  // one line, empty when all went well
+  };
+  using line_fn = std::function<void(const char* line)>;
+  using end_fn = std::function<void(const end&)>;
+
+  // `follow`: until it is stopped, and not only what the log holds.
+  log_reader(bool follow, line_fn on_line, end_fn on_end);
+  log_reader(const log_reader&) = delete;
+  log_reader& operator=(const log_reader&) = delete;
+  // Ends the child; reports nothing any more.
+  ~log_reader();
+
+  // `on_end` follows when the main context runs next.
+  void stop();
+  // Calls it before this returns, unless it was called.
+  void finish();
+
+ private:
+  static gboolean output_ready(int fd, GIOCondition condition, void* self);
+  static gboolean stopped(void* self);
+
+  void start(bool follow);
+  void read_output();
+  void report_lines();
+  void end_child();
+  void remove_source();
+
+  line_fn on_line_;
+  end_fn on_end_;
+  end end_{true, ""};
+  GPid child_ = 0;
+  int output_ = -1;
+  guint source_ = 0;
+  bool stopping_ = false;
+  std::string unfinished_line_;
+};
+
+}  // namespace orv_client
+
+#endif
