@@ -94,6 +94,12 @@ constexpr monitor_row rows[] = {
     {ORV_MONITOR_HEAP, ORV_ITEM_HEAP, ORV_HEAP_MONITOR_INTERVAL_MS, read_heap_item},
     {ORV_MONITOR_STACK, ORV_ITEM_STACK, ORV_STACK_MONITOR_INTERVAL_MS, read_stack_item},
 };
+static_assert(ORV_THREAD_SLEEPING == int{ORV_STATE_SLEEPING} &&
+              ORV_THREAD_WAITING == int{ORV_STATE_WAITING} &&
+              ORV_THREAD_STOPPED == int{ORV_STATE_STOPPED} &&
+              ORV_THREAD_RUNNING == int{ORV_STATE_RUNNING} &&
+              ORV_THREAD_PAGING == int{ORV_STATE_PAGING} &&
+              ORV_THREAD_ZOMBIE == int{ORV_STATE_ZOMBIE});
 static_assert(ORV_MONITOR_CPU == int{ORV_MON_TYPE_CPU} &&
               ORV_MONITOR_HEAP == int{ORV_MON_TYPE_HEAP} &&
               ORV_MONITOR_STACK == int{ORV_MON_TYPE_STACK});
