@@ -1,6 +1,6 @@
 #include "host_silence.h"
 
-namespace orv_client {
+namespace orv_client::store {
 namespace {
 
 constexpr std::chrono::milliseconds quiet_margin{2000};
@@ -44,4 +44,4 @@ host_silence::verdict host_silence::judge(time now) {
   return asks ? verdict::ask_whether_it_lives : verdict::start_monitors_anew;
 }
 
-}  // namespace orv_client
+}  // namespace orv_client::store

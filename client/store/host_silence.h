@@ -11,7 +11,7 @@
 
 #include <chrono>
 
-namespace orv_client {
+namespace orv_client::store {
 
 class host_silence {
  public:
@@ -43,6 +43,6 @@ class host_silence {
   time since_{};
 };
 
-}  // namespace orv_client
+}  // namespace orv_client::store
 
 #endif

@@ -9,7 +9,7 @@
 #include <memory>
 #include <utility>
 
-namespace orv_client {
+namespace orv_client::store {
 namespace {
 
 constexpr char agent_tag[] = "ORV";
@@ -47,7 +47,6 @@ log_reader::log_reader(bool follow, line_fn on_line, end_fn on_end)
 }
 
 log_reader::~log_reader() {
-  remove_source();
   end_child();
 }
 
@@ -65,36 +64,23 @@ void log_reader::start(bool follow) {
     return;
   }
   g_unix_set_fd_nonblocking(output_, TRUE, nullptr);
-  source_ = g_unix_fd_add(output_, G_IO_IN, output_ready, this);
+  next_ = source::when_readable(output_, [this] { read_output(); });
 }
 
 void log_reader::stop() {
   if (!std::exchange(stopping_, true)) {
-    remove_source();
-    source_ = g_idle_add(stopped, this);
+    next_ = source::after(milliseconds::zero(), [this] { finish(); });
   }
-}
-
-gboolean log_reader::stopped(void* self) {
-  auto* reader = static_cast<log_reader*>(self);
-  reader->source_ = 0;
-  reader->finish();
-  return G_SOURCE_REMOVE;
 }
 
 void log_reader::finish() {
   stopping_ = true;
-  remove_source();
+  next_.cancel();
   end_child();
   if (const end_fn on_end = std::exchange(on_end_, nullptr)) {
     const end last = end_;
     on_end(last);
   }
-}
-
-gboolean log_reader::output_ready(int /*fd*/, GIOCondition /*condition*/, void* self) {
-  static_cast<log_reader*>(self)->read_output();
-  return G_SOURCE_CONTINUE;  // stop() has removed the source where that is due
 }
 
 void log_reader::read_output() {
@@ -133,10 +119,4 @@ void log_reader::end_child() {
   }
 }
 
-void log_reader::remove_source() {
-  if (const guint source = std::exchange(source_, 0); source != 0) {
-    g_source_remove(source);
-  }
-}
-
-}  // namespace orv_client
+}  // namespace orv_client::store

@@ -7,7 +7,9 @@
 #include <functional>
 #include <string>
 
-namespace orv_client {
+#include "../loop.h"
+
+namespace orv_client::store {
 
 // Lives on the default context's thread. `on_end` comes last and once, never within the
 // constructor, and may destroy the reader.
@@ -33,25 +35,21 @@ class log_reader {
   void finish();
 
  private:
-  static gboolean output_ready(int fd, GIOCondition condition, void* self);
-  static gboolean stopped(void* self);
-
   void start(bool follow);
   void read_output();
   void report_lines();
   void end_child();
-  void remove_source();
 
   line_fn on_line_;
   end_fn on_end_;
   end end_{true, ""};
   GPid child_ = 0;
   int output_ = -1;
-  guint source_ = 0;
+  source next_;  // output, or the end
   bool stopping_ = false;
   std::string unfinished_line_;
 };
 
-}  // namespace orv_client
+}  // namespace orv_client::store
 
 #endif

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace orv_client {
+namespace orv_client::store {
 
 packet_follower::news packet_follower::look(std::string_view text) {
   const std::string_view payload = payload_of(text).value_or("");
@@ -16,4 +16,4 @@ packet_follower::news packet_follower::look(std::string_view text) {
   return found;
 }
 
-}  // namespace orv_client
+}  // namespace orv_client::store

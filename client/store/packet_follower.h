@@ -12,7 +12,7 @@
 
 #include "packet_items.h"
 
-namespace orv_client {
+namespace orv_client::store {
 
 class packet_follower {
  public:
@@ -32,6 +32,6 @@ class packet_follower {
   std::string taken_;  // without the header
 };
 
-}  // namespace orv_client
+}  // namespace orv_client::store
 
 #endif

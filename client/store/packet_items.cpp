@@ -7,7 +7,7 @@
 #include <iterator>
 #include <type_traits>
 
-namespace orv_client {
+namespace orv_client::store {
 
 // Takes fields off a text. Once one is missing or is not what was asked for, all that follow fail.
 class field_reader {
@@ -142,4 +142,4 @@ std::optional<std::vector<packet_item>> parse_items(std::string_view payload) {
   return fields.good() ? std::optional{std::move(items)} : std::nullopt;
 }
 
-}  // namespace orv_client
+}  // namespace orv_client::store

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-namespace orv_client {
+namespace orv_client::store {
 
 struct packet_item {
   orv_item fields{};  // without the time of reading, names and the pointer to the stacks
@@ -38,6 +38,6 @@ std::optional<std::string_view> payload_of(std::string_view packet);
 // Empty when the text is anything but whole items.
 std::optional<std::vector<packet_item>> parse_items(std::string_view payload);
 
-}  // namespace orv_client
+}  // namespace orv_client::store
 
 #endif

@@ -11,9 +11,9 @@
 
 namespace {
 
-using orv_client::host_silence;
-using orv_client::packet_follower;
-using orv_client::packet_item;
+using orv_client::store::host_silence;
+using orv_client::store::packet_follower;
+using orv_client::store::packet_item;
 using std::chrono::milliseconds;
 using testing::ElementsAre;
 
@@ -37,7 +37,7 @@ std::vector<std::string> described(const std::vector<packet_item>& items) {
 }
 
 TEST(PacketItems, AreReadWithTheirSigns) {
-  const auto items = orv_client::parse_items(
+  const auto items = orv_client::store::parse_items(
       "16,1,-5,77,$,28,2,2147483647,1,1,-1024,0,$,56,3,7,2,5,2,3202482176,3202486272,3202351104,$,"
       "6,9,1,0,0,$,16,3,8,0,");
   ASSERT_TRUE(items);
@@ -45,7 +45,7 @@ TEST(PacketItems, AreReadWithTheirSigns) {
       described(*items),
       ElementsAre("1 4294967291 77 0 0 ", "2 2147483647 0 4294966272 0 ",
                   "4 7 0 0 0 [5 2 3202482176 3202351104 3202486272][6 9 1 0 0]", "4 8 0 0 0 "));
-  EXPECT_TRUE(orv_client::parse_items("").has_value());
+  EXPECT_TRUE(orv_client::store::parse_items("").has_value());
 }
 
 TEST(PacketItems, AreWholeOrNone) {
@@ -54,7 +54,7 @@ TEST(PacketItems, AreWholeOrNone) {
         "16,1,5,7 7,$,", "20,1,5,77,$,", "16,4,5,77,$,", "28,2,5,1,2,3,0,$,", "28,2,5,1,1,3,$,",
         "28,2,5,1,1,4294967296,0,$,", "36,3,7,2,5,2,1,2,3,$,", "36,3,7,1,5,2,-1,2,3,$,",
         "-4,3,7,-1,", "2147483647,3,7,2147483647,", "16,1,5,77,$,,"}) {
-    EXPECT_FALSE(orv_client::parse_items(text)) << text;
+    EXPECT_FALSE(orv_client::store::parse_items(text)) << text;
   }
 }
 
