@@ -64,7 +64,8 @@ typedef enum orv_why {
   ORV_WHY_WATCHED,        /* another watch has the monitors */
   ORV_WHY_IN_CALLBACK,    /* a waiting call within a callback */
   ORV_WHY_CLOSED,         /* the camera was closed; also with ORV_MAY_HAVE_RUN */
-  ORV_WHY_NO_MEMORY,
+  ORV_WHY_NO_LOG,         /* the platform's log reader cannot be run */
+  ORV_WHY_NO_MEMORY,      /* also with ORV_MAY_HAVE_RUN */
   /* ORV_MAY_HAVE_RUN */
   ORV_WHY_NO_ANSWER,   /* none came before the deadline */
   ORV_WHY_OVERWRITTEN, /* a monitor's tick replaced the answer before it was read */
@@ -131,8 +132,8 @@ ORV_CLIENT_API const char* orv_default_address(void);
 ORV_CLIENT_API orv_camera* orv_camera_open(const char* address, orv_reply** failure);
 
 /* Ends what is in flight: each request gets its reply (ORV_WHY_CLOSED), each watch and log its last
- * event, before this returns; within a callback of the same camera, right after it. Null is
- * ignored. */
+ * event, before this returns; within a callback of the same camera, right after it. Monitors of a
+ * watch that is ended so go on: stop a watch and await its end first. Null is ignored. */
 ORV_CLIENT_API void orv_camera_close(orv_camera* camera);
 
 /* ---- Requests ---- */
