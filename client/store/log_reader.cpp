@@ -2,6 +2,7 @@
 
 #include <errno.h>
 #include <glib-unix.h>
+#include <orv/protocol.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -41,46 +42,47 @@ std::string failure_of(int status) {
 
 }  // namespace
 
-log_reader::log_reader(bool follow, line_fn on_line, end_fn on_end)
-    : on_line_{std::move(on_line)}, on_end_{std::move(on_end)} {
-  start(follow);
+log_reader* log_reader::start(bool follow, carried_line_fn on_line, void* user_data) {
+  const std::shared_ptr<log_reader> made{new log_reader{on_line, user_data}};
+  made->start_child(follow);
+  made->self_ = made;
+  return made.get();
 }
 
 log_reader::~log_reader() {
   end_child();
 }
 
-void log_reader::start(bool follow) {
+void log_reader::start_child(bool follow) {
   const char* words[] = {"dlogutil", follow ? agent_tag : "-d", follow ? nullptr : agent_tag,
                          nullptr};
-  GError* error = nullptr;
   constexpr auto flags = static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_DO_NOT_REAP_CHILD);
+  GError* error = nullptr;
   if (g_spawn_async_with_pipes(nullptr, const_cast<char**>(words), nullptr, flags,
                                leave_process_group, nullptr, &child_, nullptr, &output_, nullptr,
                                &error) == FALSE) {
     const std::unique_ptr<GError, error_freer> owned{error};
-    end_ = {false, failure_of(*error)};
-    stop();
+    how_ = not_run(ORV_WHY_NO_LOG, failure_of(*error));
+    end_soon();
     return;
   }
   g_unix_set_fd_nonblocking(output_, TRUE, nullptr);
-  next_ = source::when_readable(output_, [this] { read_output(); });
+  next_ = source::when_readable(output_, [this] {
+    const std::shared_ptr<log_reader> alive = self_;
+    read_output();
+  });
 }
 
 void log_reader::stop() {
-  if (!std::exchange(stopping_, true)) {
-    next_ = source::after(milliseconds::zero(), [this] { finish(); });
-  }
+  stopped_ = true;
+  end_soon();
 }
 
-void log_reader::finish() {
-  stopping_ = true;
+void log_reader::cancel() {
+  stopped_ = true;
+  on_line_ = nullptr;
   next_.cancel();
-  end_child();
-  if (const end_fn on_end = std::exchange(on_end_, nullptr)) {
-    const end last = end_;
-    on_end(last);
-  }
+  self_.reset();
 }
 
 void log_reader::read_output() {
@@ -91,20 +93,30 @@ void log_reader::read_output() {
     report_lines();
   } else if (size == 0 || (errno != EAGAIN && errno != EINTR)) {
     if (!unfinished_line_.empty()) {
-      on_line_(std::exchange(unfinished_line_, "").c_str());
+      report_line(std::exchange(unfinished_line_, ""));
     }
-    stop();
+    end_soon();
   }
 }
 
 void log_reader::report_lines() {
   const std::string text = std::exchange(unfinished_line_, "");
   size_t start = 0;
-  for (size_t newline; !stopping_ && (newline = text.find('\n', start)) != std::string::npos;) {
-    on_line_(text.substr(start, newline - start).c_str());
+  for (size_t newline; !stopped_ && (newline = text.find('\n', start)) != std::string::npos;) {
+    report_line(text.substr(start, newline - start));
     start = newline + 1;
   }
   unfinished_line_ = text.substr(start);
+}
+
+void log_reader::report_line(const std::string& line) const {
+  on_line_(line.c_str(), nullptr, user_data_);
+}
+
+void log_reader::end_soon() {
+  if (on_line_ != nullptr) {
+    next_ = source::after(milliseconds::zero(), [this] { end(); });
+  }
 }
 
 // A child that has closed its output has no more to do, and ends by itself or now.
@@ -114,9 +126,18 @@ void log_reader::end_child() {
     kill(child, SIGKILL);
     int status = 0;
     if (waitpid(child, &status, 0) == child) {
-      end_.message = failure_of(status);
+      how_.message = failure_of(status);
+      how_.result = how_.message.empty() ? ORV_RESULT_OK : ORV_RESULT_FAILED;
     }
   }
+}
+
+void log_reader::end() {
+  const std::shared_ptr<log_reader> alive = std::move(self_);
+  next_.cancel();
+  end_child();
+  const orv_reply reply = how_.view();
+  std::exchange(on_line_, nullptr)(nullptr, &reply, user_data_);
 }
 
 }  // namespace orv_client::store

@@ -4,50 +4,47 @@
 
 #include <glib.h>
 
-#include <functional>
+#include <memory>
 #include <string>
 
+#include "../carrier.h"
+#include "../ending.h"
 #include "../loop.h"
 
 namespace orv_client::store {
 
-// Lives on the default context's thread. `on_end` comes last and once, never within the
-// constructor, and may destroy the reader.
+// Keeps itself until it has reported its end or is cancelled, which may be within a report.
 class log_reader {
  public:
-  struct end {
-    bool ran;             // false: the reader could not be started
-    std::string message;  // one line, empty when all went well
-  };
-  using line_fn = std::function<void(const char* line)>;
-  using end_fn = std::function<void(const end&)>;
-
   // `follow`: until it is stopped, and not only what the log holds.
-  log_reader(bool follow, line_fn on_line, end_fn on_end);
+  static log_reader* start(bool follow, carried_line_fn on_line, void* user_data);
   log_reader(const log_reader&) = delete;
   log_reader& operator=(const log_reader&) = delete;
-  // Ends the child; reports nothing any more.
   ~log_reader();
 
-  // `on_end` follows when the main context runs next.
   void stop();
-  // Calls it before this returns, unless it was called.
-  void finish();
+  void cancel();
 
  private:
-  void start(bool follow);
+  log_reader(carried_line_fn on_line, void* user_data) : on_line_{on_line}, user_data_{user_data} {}
+
+  void start_child(bool follow);
   void read_output();
   void report_lines();
+  void report_line(const std::string& line) const;
+  void end_soon();
   void end_child();
+  void end();
 
-  line_fn on_line_;
-  end_fn on_end_;
-  end end_{true, ""};
+  carried_line_fn on_line_;
+  void* user_data_;
+  std::shared_ptr<log_reader> self_;
   GPid child_ = 0;
   int output_ = -1;
-  source next_;  // output, or the end
-  bool stopping_ = false;
+  source next_;  // the child's output, or the end
+  bool stopped_ = false;
   std::string unfinished_line_;
+  ending how_;
 };
 
 }  // namespace orv_client::store
