@@ -22,7 +22,8 @@ struct camera {
   // Each ends one thing that is in flight, reporting its last event. The thing takes its entry out
   // when it ends by itself; at the close, the entry is out when it is called.
   std::list<std::function<void()>> in_flight;
-  int callbacks = 0;  // of the user's, under way
+  int callbacks = 0;          // of the user's, under way
+  bool close_wanted = false;  // by one of them
 };
 
 // Around a call of a user's callback: a close within it takes place when this goes.
@@ -36,6 +37,9 @@ class user_callback {
  private:
   std::shared_ptr<camera> of_;
 };
+
+// Ends all that is in flight.
+void close(camera& open);
 
 // A copy for a caller to free with orv_reply_free, with the record that an answer to this command
 // holds: an answer that cannot be parsed is ORV_WHY_BAD_ANSWER. Null where there is no memory.

@@ -50,27 +50,45 @@ class source {
 
  private:
   explicit source(GSource* made) : made_{made} {}
-  static source start(GSource* made, action done, bool once, int priority);
+  static source start(GSource* made, action done, bool once, int priority, GSourceFunc dispatcher);
 
   GSource* made_ = nullptr;
 };
 
-// Runs `work` on the default main context's thread, before this returns. Of an exception, false.
-// Otherwise true.
+// Runs `work` on the default main context's thread before this returns; false if it threw.
 bool run_on_loop(const source::action& work);
 
-// The same, at once where the calling thread owns the context or nobody does, else later.
-bool post_to_loop(source::action work);
+// The same, at once where the calling thread owns the context or no thread does, else later.
+void post_to_loop(source::action work);
+
+// Does now what other threads have posted; on the loop's thread.
+void run_posted();
 
 // Whether the calling thread runs a callback of the default main context, so that waiting for
 // another callback would be for ever.
 bool in_callback();
 
-// For a call that waits: has the default main context run, by this thread or by the one that owns
-// it, until `done`, which is to be called on the loop's thread as well as on this one, or until
-// `end`. False at `end`. `done` is looked at whenever notify_waiters was called.
-bool wait_on_loop(const std::function<bool()>& done, steady_clock::time_point end);
-void notify_waiters();
+// What a calling thread waits for and the loop's thread brings about.
+class completion {
+ public:
+  void complete();
+  // Has the default main context run, by this thread or by the one that owns it, until it is
+  // complete, or until `end` where another thread owns the context. Whether it is complete.
+  bool wait(steady_clock::time_point end);
+
+ private:
+  bool complete_ = false;
+};
+
+// Around whatever runs on the loop's thread: hands this library's state over from the thread that
+// owned the context before.
+class loop_section {
+ public:
+  loop_section();
+  loop_section(const loop_section&) = delete;
+  loop_section& operator=(const loop_section&) = delete;
+  ~loop_section();
+};
 
 }  // namespace orv_client
 

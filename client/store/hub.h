@@ -9,6 +9,8 @@
 #include <optional>
 #include <string>
 
+#include "../loop.h"
+
 namespace orv_client::store {
 
 enum class change { result, text };
@@ -36,9 +38,9 @@ class listener {
 // Whether a text was written last, and the result that belongs to it is still to come.
 bool half_written();
 
-// Whether the keys have been registered for so short a time that a text may have been written
-// before, whose result is still to come.
-bool may_have_joined_within_a_tick();
+// How long it takes at most until it is known that no tick is half written. Any change may shorten
+// it. Zero: it is known now.
+milliseconds until_between_ticks();
 
 std::optional<std::string> read_text(const char* key);
 

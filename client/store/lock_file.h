@@ -30,8 +30,11 @@ class lock_file {
   ~lock_file();
 
   [[nodiscard]] bool usable() const { return fd_ >= 0; }
+  // Not when the file was removed since, with its directory.
+  [[nodiscard]] bool in_place() const;
 
-  // At once or not at all. Sharers exclude only those who take it alone.
+  // At once or not at all. Sharers exclude only those who take it alone. Those of this process that
+  // wait for the right already come first.
   [[nodiscard]] bool try_take(right which);
   [[nodiscard]] bool try_share(right which);
   void release(right which);
@@ -45,7 +48,12 @@ class lock_file {
   void set_answers_outstanding(int answers);
 
  private:
-  [[nodiscard]] bool lock(right which, short type);
+  friend class claims;
+
+  void write_first_text();
+  void close_file();
+  bool set_lock(right which, short type);
+  bool take_now(right which);
   void note_holder(right which) const;
 
   int fd_ = -1;

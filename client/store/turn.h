@@ -49,7 +49,7 @@ class turn {
   [[nodiscard]] bool sent() const;
 
  private:
-  void exchange_ended(bool was_settled, const ended_fn& done, ending&& how);
+  void start(command sent, bool settles, time_limit limit, ended_fn done);
 
   std::string directory_;
   lock_file& file_;
@@ -58,7 +58,8 @@ class turn {
   std::unique_ptr<exchange> exchange_;
 };
 
-// Endings that the store's operations share; all name the directory.
+// Endings that the store's operations share; all name the directory. A time as they name it: "5 s".
+std::string seconds(time_limit limit);
 ending busy(const std::string& directory, time_limit limit);
 ending watched(const std::string& directory);
 ending store_failed(const std::string& directory);

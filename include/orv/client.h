@@ -60,14 +60,15 @@ typedef enum orv_why {
   ORV_WHY_NO_CAMERA,      /* the store is missing, or no agent has been started on it */
   ORV_WHY_STORE_REFUSED,  /* the directory is another user's or open to others */
   ORV_WHY_STORE_FAILED,   /* the store cannot be written or watched */
-  ORV_WHY_BUSY,           /* other programs had their turns until the deadline */
+  ORV_WHY_BUSY,           /* others had their turns until the deadline */
   ORV_WHY_WATCHED,        /* another watch has the monitors */
   ORV_WHY_IN_CALLBACK,    /* a waiting call within a callback */
   ORV_WHY_CLOSED,         /* the camera was closed; also with ORV_MAY_HAVE_RUN */
   ORV_WHY_NO_LOG,         /* the platform's log reader cannot be run */
   ORV_WHY_NO_MEMORY,      /* also with ORV_MAY_HAVE_RUN */
   /* ORV_MAY_HAVE_RUN */
-  ORV_WHY_NO_ANSWER,   /* none came before the deadline */
+  ORV_WHY_NO_ANSWER, /* none came before the deadline; with ORV_NOT_RUN, none to the query that had
+                        to come first, since an earlier command was unanswered */
   ORV_WHY_OVERWRITTEN, /* a monitor's tick replaced the answer before it was read */
   /* ORV_RAN */
   ORV_WHY_BAD_ANSWER /* the text is not what this query answers; identity, memory, threads are null
@@ -172,9 +173,9 @@ ORV_CLIENT_API orv_request orv_monitor_stop_request(int32_t monitor);
 /* Whether the camera application is well: result 0 or -1. Starts and stops nothing. */
 ORV_CLIENT_API orv_request orv_health_request(void);
 
-/* Sends the request. `on_reply`, which may be null, is called exactly once, at the latest at the
- * deadline, `timeout_ms` (1 or more) from now, and never before this returns. The time to wait for
- * a turn is part of it. */
+/* Sends the request; a camera's requests run in the order in which they were sent. `on_reply`,
+ * which may be null, is called exactly once, at the latest at the deadline, `timeout_ms` (1 or
+ * more) from now, and never before this returns. The time to wait for a turn is part of it. */
 ORV_CLIENT_API void orv_send(orv_camera* camera, const orv_request* request, uint32_t timeout_ms,
                              orv_reply_fn on_reply, void* user_data);
 
