@@ -20,9 +20,9 @@ struct state_row {
   const char* name;
 };
 constexpr state_row states[] = {
-    {ORV_STATE_SLEEPING, "sleeping"}, {ORV_STATE_RUNNING, "running"},
-    {ORV_STATE_WAITING, "waiting"},   {ORV_STATE_ZOMBIE, "zombie"},
-    {ORV_STATE_STOPPED, "stopped"},   {ORV_STATE_PAGING, "paging"},
+    {ORV_THREAD_SLEEPING, "sleeping"}, {ORV_THREAD_RUNNING, "running"},
+    {ORV_THREAD_WAITING, "waiting"},   {ORV_THREAD_ZOMBIE, "zombie"},
+    {ORV_THREAD_STOPPED, "stopped"},   {ORV_THREAD_PAGING, "paging"},
 };
 
 const char* state_name(int32_t code) {

@@ -196,7 +196,7 @@ void watching::end(const orv_reply& reply) {
   second_.reset();
   time_over_.reset();
   progress_.clear();
-  if (reply.outcome != ORV_RAN) {
+  if (reply.why != ORV_WHY_NONE) {
     status_ = refuse(&reply);
   }
   flush(0);
