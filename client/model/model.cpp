@@ -99,19 +99,19 @@ orv_reply reply_of(const model& by, const orv_request& request, bool in_time, bo
   return {ORV_RAN, ORV_WHY_NONE, by.behaves->result, found->text, "", nullptr, nullptr, nullptr};
 }
 
-void* command(void* opened, const orv_request* request, time_limit limit,
-              carried_reply_fn on_reply, void* user_data) {
+void* command(void* opened, const orv_request* request, time_limit limit, carried_reply_fn on_reply,
+              void* user_data) {
   auto& by = *static_cast<model*>(opened);
   const auto begins = std::max(by.idle_from, steady_clock::now());
   const auto answered = begins + by.behaves->takes;
   by.idle_from = answered;
-  const orv_reply reply =
-      reply_of(by, *request, answered <= limit.end, begins < limit.end);
+  const orv_reply reply = reply_of(by, *request, answered <= limit.end, begins < limit.end);
   const auto when = reply.outcome == ORV_RAN ? answered : limit.end;
   const auto wait = std::chrono::ceil<milliseconds>(when - steady_clock::now());
   auto* made = new pending{begins, on_reply, user_data, reply, 0};
-  made->timer = g_timeout_add_full(
-      G_PRIORITY_DEFAULT, static_cast<guint>(std::max<int64_t>(wait.count(), 0)), end, made, forget);
+  made->timer =
+      g_timeout_add_full(G_PRIORITY_DEFAULT, static_cast<guint>(std::max<int64_t>(wait.count(), 0)),
+                         end, made, forget);
   return made;
 }
 

@@ -23,13 +23,29 @@ bool is_first(const std::string& place) {
                           same_directory(directory_of(*first_place), directory_of(place)));
 }
 
-// The platform is told once, before it is called for the first time.
-void name_store(const std::string& place) {
-  const char* named = getenv("ORV_PLATFORM_ROOT");
-  if (!first_place && !place.empty() && (named == nullptr || place != named)) {
-    setenv("ORV_PLATFORM_ROOT", place.c_str(), 1);
+// Names the store to the platform, which looks at that when it first finds one; until then, no
+// longer than this lives.
+class naming {
+ public:
+  explicit naming(const std::string& place) {
+    const char* named = getenv(variable);
+    if (!first_place && !place.empty() && (named == nullptr || place != named)) {
+      before_ = named != nullptr ? named : "";
+      setenv(variable, place.c_str(), 1);
+    }
   }
-}
+  naming(const naming&) = delete;
+  naming& operator=(const naming&) = delete;
+  ~naming() {
+    if (before_ && !first_place) {
+      before_->empty() ? unsetenv(variable) : setenv(variable, before_->c_str(), 1);
+    }
+  }
+
+ private:
+  static constexpr char variable[] = "ORV_PLATFORM_ROOT";
+  std::optional<std::string> before_;
+};
 
 bool agent_was_started() {
   int result = 0;
@@ -49,9 +65,9 @@ ending find_camera(const std::string& place) {
   if (state == directory_state::refused) {
     return not_run(ORV_WHY_STORE_REFUSED, "store " + why);
   }
-  name_store(place);
+  const naming named{place};
   const bool started = agent_was_started();
-  if (started || state == directory_state::usable) {
+  if (!first_place && (started || state == directory_state::usable)) {
     first_place = place;
   }
   if (!started) {
