@@ -155,9 +155,7 @@ void orv_send(orv_camera* camera, const orv_request* request, uint32_t timeout_m
 orv_reply* orv_ask(orv_camera* camera, const orv_request* request, uint32_t timeout_ms) try {
   using namespace orv_client;
   if (in_callback()) {
-    return make_reply(not_run(ORV_WHY_IN_CALLBACK,
-                              "a waiting call within a callback of the main loop would wait for "
-                              "ever"));
+    return make_reply(within_callback());
   }
   const auto waited = std::make_shared<waited_reply>();
   send(*camera, *request, timeout_ms,

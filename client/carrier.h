@@ -19,7 +19,8 @@ namespace orv_client {
 // Texts of replies are the carrier's and live for the call; typed records are null.
 using carried_reply_fn = void (*)(const orv_reply* reply, void* user_data);
 using carried_event_fn = void (*)(const orv_watch_event* event, void* user_data);
-using carried_line_fn = void (*)(const char* line, const char* message, void* user_data);
+// `end` is null but after the last line, when `line` is.
+using carried_line_fn = void (*)(const char* line, const orv_reply* end, void* user_data);
 
 struct carrier {
   const char* scheme;

@@ -31,6 +31,12 @@ inline ending may_have_run(orv_why why, std::string message) {
   return {ORV_MAY_HAVE_RUN, why, std::move(message)};
 }
 
+// What a waiting call within a callback ends with.
+inline ending within_callback() {
+  return not_run(ORV_WHY_IN_CALLBACK,
+                 "a waiting call within a callback of the main loop would wait for ever");
+}
+
 }  // namespace orv_client
 
 #endif

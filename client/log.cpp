@@ -81,7 +81,7 @@ void orv_log_stop(orv_log* log) try {
 
 orv_reply* orv_log_read(orv_camera* camera, int follow, orv_log_fn on_line, void* user_data) try {
   if (orv_client::in_callback()) {
-    return make_reply(orv_client::within_callback());
+    return orv_client::make_reply(orv_client::within_callback());
   }
   orv_client::endless_wait waited;
   start(*camera, follow, [&](orv_log* log, const char* line, const ending& how) {

@@ -128,7 +128,7 @@ void orv_watch_stop(orv_watch* watch) try {
 orv_reply* orv_watch_for(orv_camera* camera, const orv_watch_options* options, uint64_t duration_ms,
                          orv_watch_fn on_event, void* user_data) try {
   if (orv_client::in_callback()) {
-    return make_reply(orv_client::within_callback());
+    return orv_client::make_reply(orv_client::within_callback());
   }
   orv_client::endless_wait waited;
   timed_stop stop;

@@ -3,12 +3,16 @@
 #include "../carrier.h"
 
 #include "connection.h"
+#include "log_reader.h"
+#include "watch.h"
 #include "whole_command.h"
 
 namespace orv_client {
 namespace {
 
 using store::connection;
+using store::log_reader;
+using store::watch;
 using store::whole_command;
 
 void* open(const char* place, carried_reply_fn on_failure, void* user_data) {
@@ -35,6 +39,35 @@ orv_outcome cancel_command(void* started) {
   return static_cast<whole_command*>(started)->cancel();
 }
 
+void* start_watch(void* opened, const orv_watch_options* options, carried_event_fn on_event,
+                  void* user_data) try {
+  return watch::start(static_cast<connection*>(opened)->directory, *options, on_event, user_data);
+} catch (...) {
+  return nullptr;
+}
+
+void stop_watch(void* started) {
+  static_cast<watch*>(started)->stop();
+}
+
+void cancel_watch(void* started) {
+  static_cast<watch*>(started)->cancel();
+}
+
+void* start_log(void* /*opened*/, int follow, carried_line_fn on_line, void* user_data) try {
+  return log_reader::start(follow != 0, on_line, user_data);
+} catch (...) {
+  return nullptr;
+}
+
+void stop_log(void* started) {
+  static_cast<log_reader*>(started)->stop();
+}
+
+void cancel_log(void* started) {
+  static_cast<log_reader*>(started)->cancel();
+}
+
 }  // namespace
 
 extern const carrier store_carrier;
@@ -44,12 +77,12 @@ const carrier store_carrier = {
     .close = close,
     .command = start_command,
     .cancel = cancel_command,
-    .watch = nullptr,
-    .stop_watch = nullptr,
-    .cancel_watch = nullptr,
-    .log = nullptr,
-    .stop_log = nullptr,
-    .cancel_log = nullptr,
+    .watch = start_watch,
+    .stop_watch = stop_watch,
+    .cancel_watch = cancel_watch,
+    .log = start_log,
+    .stop_log = stop_log,
+    .cancel_log = cancel_log,
 };
 
 }  // namespace orv_client

@@ -80,6 +80,11 @@ bool register_keys() {
   return registered;
 }
 
+// None follows the empty text that a watch writes when it empties the packet.
+bool result_is_to_come() {
+  return text_was_last && read_text(VCONFKEY_ORV_RESULT_DATA) != "";
+}
+
 }  // namespace
 
 listener::listener(function on_change)
@@ -99,15 +104,11 @@ listener::~listener() {
   }
 }
 
-bool half_written() {
-  return text_was_last && left_of(text_seen_at, given_up_half_tick) > milliseconds::zero();
-}
-
 // The keys may have been registered within a tick, whose text was then not seen. Any change shows
 // where the ticks are.
 milliseconds until_between_ticks() {
   if (seen_change) {
-    return text_was_last ? left_of(text_seen_at, given_up_half_tick) : milliseconds::zero();
+    return result_is_to_come() ? left_of(text_seen_at, given_up_half_tick) : milliseconds::zero();
   }
   const milliseconds left = left_of(registered_at, longest_half_tick);
   if (left == milliseconds::zero()) {

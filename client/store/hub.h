@@ -35,9 +35,6 @@ class listener {
   bool listening_;
 };
 
-// Whether a text was written last, and the result that belongs to it is still to come.
-bool half_written();
-
 // How long it takes at most until it is known that no tick is half written. Any change may shorten
 // it. Zero: it is known now.
 milliseconds until_between_ticks();
