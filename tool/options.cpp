@@ -35,7 +35,7 @@ void subcommand::value(const value_words& words, const reader& read) const {
   };
   CLI::Option* option = described_->add_option(words.name, read_all, words.help);
   option->type_name(words.type)->expected(1, words.most)->required(words.required);
-  option->default_str(words.usual);
+  option->allow_extra_args(words.most > 1)->default_str(words.usual);
   if (!words.choices.empty()) {
     option->check(CLI::IsMember(words.choices));
   }

@@ -82,7 +82,7 @@ orv_watch_options options_of(const context& shared, const watch_words& given) {
 
 class watching {
  public:
-  watching(const context& shared, const watch_words& given);
+  watching(const context& shared, const watch_words& given, const output* csv);
 
   exit_status run();
 
@@ -97,8 +97,8 @@ class watching {
 
   const context& shared_;
   const watch_words& given_;
-  const std::unique_ptr<output> csv_;
-  const output& items_;  // where they go
+  const output* const csv_;  // null: the items go to standard output
+  const output& items_;
   std::string (*to_text_)(const orv_item&);
   progress_line progress_;
   watch_summary summary_;
@@ -110,20 +110,16 @@ class watching {
   exit_status status_ = exit_status::success;
 };
 
-watching::watching(const context& shared, const watch_words& given)
+watching::watching(const context& shared, const watch_words& given, const output* csv)
     : shared_{shared},
       given_{given},
-      csv_{given.csv_path.empty() ? nullptr : std::make_unique<output>(given.csv_path)},
-      items_{csv_ ? *csv_ : shared.out},
-      to_text_{csv_ ? to_csv : (shared.json ? to_json : to_line)},
+      csv_{csv},
+      items_{csv != nullptr ? *csv : shared.out},
+      to_text_{csv != nullptr ? to_csv : (shared.json ? to_json : to_line)},
       progress_{given.duration} {}
 
 exit_status watching::run() {
-  if (!items_) {
-    complain(given_.csv_path + ": " + strerror(errno));
-    return exit_status::usage;
-  }
-  items_.write(csv_ ? csv_head : "");
+  items_.write(csv_ != nullptr ? csv_head : "");
   const camera target{shared_};
   if (target.get() == nullptr) {
     return refuse(target.failure());
@@ -179,7 +175,7 @@ void watching::flush(size_t packet_bytes) {
     return;
   }
   lost_ = true;
-  if (csv_) {
+  if (csv_ != nullptr) {
     warn(given_.csv_path + ": " + strerror(errno));
   }
   stop();
@@ -211,7 +207,12 @@ void watching::stop() {
 }  // namespace
 
 exit_status watch_monitors(const context& shared, const watch_words& given) {
-  return watching{shared, given}.run();
+  std::optional<output> csv;
+  if (!given.csv_path.empty() && !csv.emplace(given.csv_path)) {
+    complain(given.csv_path + ": " + strerror(errno));
+    return exit_status::usage;
+  }
+  return watching{shared, given, csv ? &*csv : nullptr}.run();
 }
 
 }  // namespace orvctl

@@ -13,20 +13,31 @@ namespace {
 using testing::ElementsAre;
 using stack_samples = std::vector<orv_stack_sample>;
 
-orv_item cpu(uint32_t tick_ms, int32_t tid, const char* name = "") {
-  return {.monitor = ORV_MONITOR_CPU, .tick_ms = tick_ms, .tid = tid, .name = name};
+orv_item item_of(int32_t monitor, uint32_t tick_ms) {
+  orv_item item{};
+  item.monitor = monitor;
+  item.tick_ms = tick_ms;
+  item.name = "";
+  return item;
+}
+
+orv_item cpu(uint32_t tick_ms, int32_t tid) {
+  orv_item item = item_of(ORV_MONITOR_CPU, tick_ms);
+  item.tid = tid;
+  return item;
 }
 
 orv_item heap(uint32_t tick_ms, uint32_t free_bytes) {
-  return {.monitor = ORV_MONITOR_HEAP, .tick_ms = tick_ms, .name = "", .free_bytes = free_bytes};
+  orv_item item = item_of(ORV_MONITOR_HEAP, tick_ms);
+  item.free_bytes = free_bytes;
+  return item;
 }
 
 orv_item stack(uint32_t tick_ms, const stack_samples& stacks) {
-  return {.monitor = ORV_MONITOR_STACK,
-          .tick_ms = tick_ms,
-          .name = "",
-          .stacks = stacks.data(),
-          .stack_count = stacks.size()};
+  orv_item item = item_of(ORV_MONITOR_STACK, tick_ms);
+  item.stacks = stacks.data();
+  item.stack_count = stacks.size();
+  return item;
 }
 
 TEST(ItemText, IsALineOrAnObjectOrRows) {
