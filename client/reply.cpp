@@ -85,7 +85,7 @@ orv_reply* make_reply(const orv_reply& carried, int32_t code) noexcept try {
   auto made = std::make_unique<whole_reply>();
   static_cast<orv_reply&>(*made) = carried;
   made->own_message = carried.message;
-  if (carried.outcome == ORV_RAN && carried.result != ORV_RESULT_OK) {
+  if (carried.outcome == ORV_RAN && carried.result != ORV_RESULT_OK && made->own_message.empty()) {
     made->own_message = "the agent answered " + std::to_string(carried.result);
   }
   if (carried.text != nullptr) {

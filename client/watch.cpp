@@ -49,8 +49,10 @@ struct orv_watch {
 
   void report_end(const orv_reply& how, size_t packet_bytes = 0) {
     const std::unique_ptr<orv_watch> self{this};
+    const std::unique_ptr<orv_reply, decltype(&orv_reply_free)> whole{
+        orv_client::make_reply(how, 0), orv_reply_free};
     const orv_client::user_callback around{running.of()};
-    report(this, {ORV_WATCH_ENDED, nullptr, packet_bytes, "", &how});
+    report(this, {ORV_WATCH_ENDED, nullptr, packet_bytes, "", whole ? whole.get() : &how});
   }
 
   const orv_watch_options options;

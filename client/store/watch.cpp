@@ -14,6 +14,7 @@ namespace {
 constexpr size_t roomy_size = size_t{ORV_PACKET_MAX_TEXT} / 4;
 constexpr size_t full_size = roomy_size * 3;
 
+// One after the other, programs that ask without a pause would have the packet for ever.
 constexpr milliseconds longest_loan{1000};
 constexpr milliseconds loan_look_interval{5};
 // With other programs, each of which waits for an answer as long as it was told to.
@@ -185,15 +186,17 @@ void watch::lend() {
   phase_ = phase::lending;
   turn_->release();
   locks_->release(right::packet);
-  const auto loan_end = steady_clock::now() + longest_loan;
-  step_timer_ = source::every(
-      loan_look_interval, kept([this, loan_end] {
-        if (!locks_->taken_by_others(right::wanting) || steady_clock::now() >= loan_end) {
-          step_timer_.cancel();
-          then(&watch::resume);
-          claim_right(right::packet, time_limit::of(patience_ms));
-        }
-      }));
+  lent_at_ = steady_clock::now();
+  step_timer_ = source::every(loan_look_interval, kept([this] { look_after_loan(); }));
+}
+
+void watch::look_after_loan() {
+  last_loan_ = steady_clock::now() - lent_at_;
+  if (!locks_->taken_by_others(right::wanting) || last_loan_ >= longest_loan) {
+    step_timer_.cancel();
+    then(&watch::resume);
+    claim_right(right::packet, time_limit::of(patience_ms));
+  }
 }
 
 void watch::finish() {
@@ -342,7 +345,8 @@ void watch::follow() {
   }
   turn_->release();
   if (phase_ == phase::resuming) {
-    silence_->monitors_started(steady_clock::now());
+    resumed_at_ = steady_clock::now();
+    silence_->monitors_started(resumed_at_);
   }
   phase_ = phase::following;
   silence_timer_ = source::at(silence_->due(), kept([this] { judge_silence(); }));
@@ -426,8 +430,12 @@ bool watch::slowest_is_among(const std::vector<packet_item>& news) const {
 // the packet before it takes commands.
 bool watch::pause_is_due(bool slowest_ticked) const {
   return packet_size_ >= full_size ||
-         (slowest_ticked && !silence_->wiped() &&
-          (packet_size_ >= roomy_size || locks_->taken_by_others(right::wanting)));
+         (slowest_ticked && !silence_->wiped() && (packet_size_ >= roomy_size || loan_is_due()));
+}
+
+// The monitors run at least half of the time.
+bool watch::loan_is_due() const {
+  return steady_clock::now() - resumed_at_ >= last_loan_ && locks_->taken_by_others(right::wanting);
 }
 
 void watch::judge_silence() {

@@ -69,6 +69,7 @@ class watch {
   void probe();
   void pause();
   void lend();
+  void look_after_loan();
   void resume();
   void finish();
 
@@ -98,6 +99,7 @@ class watch {
   bool take_news();
   void judge_silence();
   [[nodiscard]] bool pause_is_due(bool slowest_ticked) const;
+  [[nodiscard]] bool loan_is_due() const;
   [[nodiscard]] bool reads_changes() const;
   [[nodiscard]] bool slowest_is_among(const std::vector<packet_item>& news) const;
   [[nodiscard]] time_limit answer_limit() const { return time_limit::of(timeout_ms_); }
@@ -142,8 +144,11 @@ class watch {
   size_t packet_size_ = 0;
   int text_changes_ = 0;  // ever
   int looked_at_ = 0;     // text_changes_ at the last look
-  source step_timer_;     // of the step under way
-  source own_write_;      // while the emptying is not heard of yet: the deadline for that
+  steady_clock::time_point resumed_at_;
+  steady_clock::time_point lent_at_;
+  steady_clock::duration last_loan_{};
+  source step_timer_;  // of the step under way
+  source own_write_;   // while the emptying is not heard of yet: the deadline for that
   source look_timer_;
   source silence_timer_;
 };

@@ -249,7 +249,7 @@ typedef void (*orv_watch_fn)(orv_watch* watch, const orv_watch_event* event, voi
 
 /* Watches monitors without losing an item: stops those that run, starts the wanted ones, reports
  * each item once and in order, and keeps the packet from filling up. Meanwhile no other program can
- * start or stop a monitor, and another's query waits for a tick of the slowest one. Ends with
+ * start or stop a monitor, and a query waits for a tick of the slowest one. Ends with
  * ORV_WATCH_ENDED, exactly once, after orv_watch_stop or a failure; `watch` is then gone. Null only
  * when there is no memory. The first event comes after this returns. */
 ORV_CLIENT_API orv_watch* orv_watch_start(orv_camera* camera, const orv_watch_options* options,

@@ -4,7 +4,7 @@
 #include <sstream>
 #include <vector>
 
-#include "store/packet_items.h"
+#include "packet_items.h"
 
 namespace orv_test {
 namespace {
