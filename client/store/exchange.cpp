@@ -48,12 +48,12 @@ ending no_answer(const command& sent, const std::string& directory, time_limit l
 
 }  // namespace
 
-exchange::exchange(std::string directory, lock_file& file, command sent, bool settles,
+exchange::exchange(std::string directory, lock_file& file, command sent, int earlier, bool settles,
                    time_limit limit, ended_fn ended)
     : directory_{std::move(directory)},
       file_{file},
       sent_{std::move(sent)},
-      outstanding_{file.answers_outstanding() + 1},
+      outstanding_{earlier + 1},
       answers_wanted_{settles ? outstanding_ : 1},
       limit_{limit},
       ended_{std::move(ended)},

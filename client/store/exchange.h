@@ -19,11 +19,11 @@ class exchange {
  public:
   using ended_fn = std::function<void(ending)>;
 
-  // `ended` may destroy this. A query that `settles` waits for the answers that are outstanding as
-  // well, as far as they come: an agent that was frozen answers the query once for each command
-  // that it missed, and a command written among these answers would run more than once.
-  exchange(std::string directory, lock_file& file, command sent, bool settles, time_limit limit,
-           ended_fn ended);
+  // `ended` may destroy this. `earlier` answers are outstanding. A query that `settles` waits for
+  // them as well, as far as they come: an agent that was frozen answers the query once for each
+  // command that it missed, and a command written among these answers would run more than once.
+  exchange(std::string directory, lock_file& file, command sent, int earlier, bool settles,
+           time_limit limit, ended_fn ended);
   exchange(const exchange&) = delete;
   exchange& operator=(const exchange&) = delete;
   // Gives up what is under way.

@@ -49,6 +49,20 @@ void write_line(int fd, off_t at, const char* text) {
   [[maybe_unused]] const ssize_t ignored = pwrite(fd, line, line_size, at);
 }
 
+// Formatted once a second: many commands fit into one.
+const char* utc_now() {
+  static time_t formatted = 0;
+  static char text[24];
+  const time_t now = time(nullptr);
+  if (now != formatted) {
+    struct tm utc {};
+    gmtime_r(&now, &utc);
+    strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &utc);
+    formatted = now;
+  }
+  return text;
+}
+
 std::string fault_of(const struct stat& status) {
   if (!S_ISREG(status.st_mode)) {
     return "is no regular file";
@@ -192,15 +206,10 @@ bool lock_file::taken_by_others(right which) const {
 }
 
 void lock_file::note_holder(right which) const {
-  const time_t now = time(nullptr);
-  struct tm utc {};
-  gmtime_r(&now, &utc);
-  char since[24];
-  strftime(since, sizeof since, "%Y-%m-%dT%H:%M:%SZ", &utc);
   char text[line_size];
   snprintf(text, sizeof text, "%-9s last taken by %d %.24s at %s",
            line_names[static_cast<size_t>(which)], static_cast<int>(getpid()),
-           program_invocation_short_name, since);
+           program_invocation_short_name, utc_now());
   write_line(fd_, line_of(which), text);
 }
 

@@ -51,9 +51,10 @@ void turn::ask(command sent, time_limit limit, ended_fn done) {
 }
 
 void turn::start(command sent, bool settles, time_limit limit, ended_fn done) {
-  const bool clears = settles || settled();
-  exchange_ = std::make_unique<exchange>(directory_, file_, std::move(sent), settles, limit,
-                                         [this, clears, done = std::move(done)](ending how) {
+  const int earlier = file_.answers_outstanding();
+  const bool clears = settles || earlier == 0;
+  exchange_ = std::make_unique<exchange>(directory_, file_, std::move(sent), earlier, settles,
+                                         limit, [this, clears, done = std::move(done)](ending how) {
                                            const bool answered = how.outcome == ORV_RAN ||
                                                                  how.why == ORV_WHY_OVERWRITTEN;
                                            if (clears && answered) {

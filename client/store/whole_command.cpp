@@ -34,12 +34,13 @@ whole_command::whole_command(connection& of, const orv_request& request, time_li
       next_{source::at(limit.end, [this] { end(busy(of_.directory, limit_)); })} {}
 
 whole_command::~whole_command() {
-  const bool under_way = turn_ != nullptr;
   packet_claim_.reset();
-  turn_.reset();
-  if (under_way && of_.rights) {
+  const bool begun = std::exchange(turn_, nullptr) != nullptr;
+  if (begun && needs_packet_) {
     of_.rights->release(right::packet);
     of_.rights->release(right::wanting);
+  }
+  if (begun && sent_.code == ORV_COMMAND_MONITOR) {
     of_.rights->release(right::monitors);
   }
 }
