@@ -294,9 +294,11 @@ void watch::send(const command& one) {
              }));
 }
 
-// The names are an addition: a watch goes on without them.
+// The names are an addition: a watch goes on without them. But it has to await their answer, also
+// where its other commands are given less time than a target with many threads takes.
 void watch::ask_names() {
-  turn_->ask({ORV_COMMAND_STACK_INFO}, answer_limit(), kept([this](const ending& how) {
+  const auto limit = time_limit::of(std::max(timeout_ms_, thread_timeout_ms));
+  turn_->ask({ORV_COMMAND_STACK_INFO}, limit, kept([this](const ending& how) {
                if (how.outcome == ORV_RAN && how.text) {
                  reporter_.set_names(*how.text);
                }

@@ -191,7 +191,8 @@ typedef struct orv_watch_options {
   uint32_t timeout_ms;      /* of each command that the watch sends; 0 for 5000, and for 30000 when
                                stacks are watched or threads named */
   int name_threads;         /* not 0: ask for the threads' names first and, when unknown threads are
-                               seen, again; takes the target as long as a threads request */
+                               seen, again; takes the target as long as a threads request, and is
+                               given 30000 at least */
 } orv_watch_options;
 
 /* What a thread was doing; 0 is any other. */
