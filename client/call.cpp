@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <mutex>
+#include <new>
 #include <utility>
 
 #include "camera.h"
@@ -35,10 +36,22 @@ const char* fault_of(const orv_request& request, uint32_t timeout_ms) {
   return nullptr;
 }
 
+orv_reply no_memory(orv_outcome outcome) {
+  return {outcome == ORV_NOT_RUN ? ORV_NOT_RUN : ORV_MAY_HAVE_RUN,
+          ORV_WHY_NO_MEMORY,
+          0,
+          nullptr,
+          "out of memory",
+          nullptr,
+          nullptr,
+          nullptr};
+}
+
 // Belongs to itself from its start to its reply.
 class call {
  public:
-  using replied_fn = std::function<void(owned_reply)>;  // null where there is no memory
+  // Without a reply where there is no memory for one, but with its outcome.
+  using replied_fn = std::function<void(owned_reply, orv_outcome)>;
 
   call(std::shared_ptr<camera> of, const orv_request& request, uint32_t timeout_ms,
        replied_fn replied)
@@ -53,8 +66,24 @@ class call {
   call(const call&) = delete;
   call& operator=(const call&) = delete;
 
-  void start() {
-    entry_ = of_->in_flight.insert(of_->in_flight.end(), [this] { close(); });
+  void start() noexcept {
+    const auto entered = of_->in_flight.end();
+    entry_ = entered;
+    try {
+      entry_ = of_->in_flight.insert(entered, [this] { close(); });
+      begin();
+    } catch (...) {
+      if (entry_ != entered) {
+        of_->in_flight.erase(entry_);
+      }
+      g_idle_add_full(G_PRIORITY_DEFAULT, end_without_memory, this, nullptr);
+    }
+  }
+
+ private:
+  static constexpr char closed_text[] = "the camera was closed";
+
+  void begin() {
     if (fault_ != nullptr) {
       end_soon(not_run(ORV_WHY_BAD_REQUEST, fault_));
     } else if (of_->closed) {
@@ -62,15 +91,16 @@ class call {
     } else {
       carried_ = of_->carried_by->command(of_->connection, &request_, limit_, carried_back, this);
       if (carried_ == nullptr) {
-        end_soon(not_run(ORV_WHY_NO_MEMORY, "out of memory"));
+        throw std::bad_alloc{};
       }
     }
   }
 
-  [[nodiscard]] time_limit limit() const { return limit_; }
-
- private:
-  static constexpr char closed_text[] = "the camera was closed";
+  static gboolean end_without_memory(gpointer self) {
+    const loop_section in_loop;
+    static_cast<call*>(self)->end(no_memory(ORV_NOT_RUN));
+    return G_SOURCE_REMOVE;
+  }
 
   static void carried_back(const orv_reply* reply, void* self) {
     auto* ended = static_cast<call*>(self);
@@ -95,7 +125,7 @@ class call {
     const std::unique_ptr<call> self{this};
     owned_reply reply{make_reply(how, request_.code)};
     const user_callback around{of_};
-    replied_(std::move(reply));
+    replied_(std::move(reply), how.outcome);
   }
 
   std::shared_ptr<camera> of_;
@@ -109,15 +139,36 @@ class call {
   source later_;
 };
 
-constexpr orv_reply no_memory = {ORV_NOT_RUN,     ORV_WHY_NO_MEMORY, 0,       nullptr,
-                                 "out of memory", nullptr,           nullptr, nullptr};
-
 void send(const orv_camera& to, const orv_request& request, uint32_t timeout_ms,
           call::replied_fn replied) {
   auto made = std::make_unique<call>(to.state, request, timeout_ms, std::move(replied));
   post_to_loop([started = made.get()] { started->start(); });
   static_cast<void>(made.release());
 }
+
+// The user's end of a request. What it needs when memory runs out is GLib's, which never fails.
+struct receiver {
+  orv_reply_fn on_reply;
+  void* user_data;
+
+  void reply(const orv_reply& how) const {
+    if (on_reply != nullptr) {
+      on_reply(&how, user_data);
+    }
+  }
+
+  void refuse_later() const {
+    auto* copy = g_new(receiver, 1);
+    *copy = *this;
+    g_idle_add_full(G_PRIORITY_DEFAULT, refuse, copy, g_free);
+  }
+
+ private:
+  static gboolean refuse(gpointer self) {
+    static_cast<const receiver*>(self)->reply(no_memory(ORV_NOT_RUN));
+    return G_SOURCE_REMOVE;
+  }
+};
 
 // What a waiting call and the loop's thread share. Either may be the last to need it.
 class waited_reply {
@@ -143,13 +194,16 @@ class waited_reply {
 }  // namespace orv_client
 
 void orv_send(orv_camera* camera, const orv_request* request, uint32_t timeout_ms,
-              orv_reply_fn on_reply, void* user_data) try {
-  orv_client::send(*camera, *request, timeout_ms, [=](orv_client::owned_reply reply) {
-    if (on_reply != nullptr) {
-      on_reply(reply ? reply.get() : &orv_client::no_memory, user_data);
-    }
-  });
-} catch (...) {
+              orv_reply_fn on_reply, void* user_data) {
+  using namespace orv_client;
+  const receiver to{on_reply, user_data};
+  try {
+    send(*camera, *request, timeout_ms, [to](owned_reply reply, orv_outcome outcome) {
+      to.reply(reply ? *reply : no_memory(outcome));
+    });
+  } catch (...) {
+    to.refuse_later();
+  }
 }
 
 orv_reply* orv_ask(orv_camera* camera, const orv_request* request, uint32_t timeout_ms) try {
@@ -159,7 +213,7 @@ orv_reply* orv_ask(orv_camera* camera, const orv_request* request, uint32_t time
   }
   const auto waited = std::make_shared<waited_reply>();
   send(*camera, *request, timeout_ms,
-       [waited](owned_reply reply) { waited->arrive(std::move(reply)); });
+       [waited](owned_reply reply, orv_outcome) { waited->arrive(std::move(reply)); });
   return waited->wait(time_limit::of(timeout_ms));
 } catch (...) {
   return nullptr;

@@ -48,7 +48,8 @@ bool may_mean(std::string_view name, std::string_view text) {
 }
 
 bool means(std::string_view name, std::string_view text) {
-  return (text.size() == name.size() || text.size() == bare(name).size()) && may_mean(name, text);
+  return (text.size() == name.size() && begins_with(name, text)) ||
+         (text.size() == bare(name).size() && begins_with(bare(name), text));
 }
 
 // Letters to put in, take out or replace to make one of the other.

@@ -122,6 +122,54 @@ orv_outcome cancel(void* started) {
   return begun ? ORV_MAY_HAVE_RUN : ORV_NOT_RUN;
 }
 
+// Its watches and logs end at once, each with one line.
+struct pending_end {
+  carried_event_fn on_event;
+  carried_line_fn on_line;
+  void* user_data;
+  guint timer;
+};
+
+constexpr char no_monitors[] = "a model has no monitors and no log";
+
+gboolean end_watch(gpointer data) {
+  const auto* one = static_cast<const pending_end*>(data);
+  const orv_reply reply = failure(ORV_NOT_RUN, ORV_WHY_BAD_REQUEST, no_monitors);
+  const orv_watch_event event{ORV_WATCH_ENDED, nullptr, 0, "", &reply};
+  one->on_event(&event, one->user_data);
+  return G_SOURCE_REMOVE;
+}
+
+gboolean end_log(gpointer data) {
+  const auto* one = static_cast<const pending_end*>(data);
+  const orv_reply reply = failure(ORV_NOT_RUN, ORV_WHY_NO_LOG, no_monitors);
+  one->on_line(nullptr, &reply, one->user_data);
+  return G_SOURCE_REMOVE;
+}
+
+void forget_end(gpointer data) {
+  delete static_cast<pending_end*>(data);
+}
+
+void* watch(void* /*opened*/, const orv_watch_options* /*options*/, carried_event_fn on_event,
+            void* user_data) {
+  auto* made = new pending_end{on_event, nullptr, user_data, 0};
+  made->timer = g_idle_add_full(G_PRIORITY_DEFAULT, end_watch, made, forget_end);
+  return made;
+}
+
+void* log(void* /*opened*/, int /*follow*/, carried_line_fn on_line, void* user_data) {
+  auto* made = new pending_end{nullptr, on_line, user_data, 0};
+  made->timer = g_idle_add_full(G_PRIORITY_DEFAULT, end_log, made, forget_end);
+  return made;
+}
+
+void stop_ending(void* /*it ends by itself*/) {}
+
+void cancel_ending(void* started) {
+  g_source_remove(static_cast<const pending_end*>(started)->timer);
+}
+
 }  // namespace
 }  // namespace orv_client
 
@@ -132,10 +180,10 @@ const orv_client::carrier orv_carrier_table = {
     .close = orv_client::close,
     .command = orv_client::command,
     .cancel = orv_client::cancel,
-    .watch = nullptr,
-    .stop_watch = nullptr,
-    .cancel_watch = nullptr,
-    .log = nullptr,
-    .stop_log = nullptr,
-    .cancel_log = nullptr,
+    .watch = orv_client::watch,
+    .stop_watch = orv_client::stop_ending,
+    .cancel_watch = orv_client::cancel_ending,
+    .log = orv_client::log,
+    .stop_log = orv_client::stop_ending,
+    .cancel_log = orv_client::cancel_ending,
 };

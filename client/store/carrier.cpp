@@ -30,9 +30,11 @@ void close(void* opened) {
 }
 
 void* start_command(void* opened, const orv_request* request, time_limit limit,
-                    carried_reply_fn on_reply, void* user_data) {
+                    carried_reply_fn on_reply, void* user_data) try {
   return whole_command::add(*static_cast<connection*>(opened), *request, limit, on_reply,
                             user_data);
+} catch (...) {
+  return nullptr;
 }
 
 orv_outcome cancel_command(void* started) {

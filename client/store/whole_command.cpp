@@ -51,7 +51,12 @@ whole_command* whole_command::add(connection& to, const orv_request& request, ti
   whole_command* added = made.get();
   to.commands.push_back(std::move(made));
   if (to.commands.size() == 1) {
-    added->begin();
+    try {
+      added->begin();
+    } catch (...) {
+      to.commands.pop_back();
+      throw;
+    }
   }
   return added;
 }
