@@ -4,7 +4,7 @@
 #include <sstream>
 #include <vector>
 
-#include "packet_items.h"
+#include "store/packet_items.h"
 
 namespace orv_test {
 namespace {

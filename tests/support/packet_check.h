@@ -6,7 +6,7 @@
 
 namespace orv_test {
 
-// Has the client parse the packet from start to end: a header, then whole items of known kinds, each
+// Has the tool parse the packet from start to end: a header, then whole items of known kinds, each
 // of its own size, and nothing else; the total is four times the numbers. Empty when all that
 // holds, otherwise what does not.
 std::string packet_fault(const std::string& packet);
