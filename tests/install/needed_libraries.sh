@@ -12,7 +12,10 @@ libglib-2.0.so.0
 libvconf.so.0
 libversion-info.so.0' "$(needed "$BUILD/$LIBDIR/liborv-agent.so" | grep -vxE "$libc")"
 
-# The tool loads no library of this project's.
 runtime='(libc|libm|libgcc_s|libstdc\+\+|ld-linux[a-z0-9-]*)\.so\.[0-9]+'
-expect "the tool's libraries beside the runtime" 'libglib-2.0.so.0' \
-  "$(needed "$BUILD/${SYSROOT:+target-}bin/orvctl" | grep -vxE "$runtime")"
+expect "the client's libraries beside the runtime" 'libglib-2.0.so.0
+libvconf.so.0' "$(needed "$BUILD/$LIBDIR/liborv-client.so" | grep -vxE "$runtime")"
+
+# The tool reaches the platform through the client library alone.
+expect "the tool's libraries beside the runtime" 'libglib-2.0.so.0
+liborv-client.so.0' "$(needed "$BUILD/${SYSROOT:+target-}bin/orvctl" | grep -vxE "$runtime")"

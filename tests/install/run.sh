@@ -40,7 +40,11 @@ emulate() {
 }
 
 compile_c() {
-  "$CC" ${SYSROOT:+--sysroot="$SYSROOT"} -Wall -Wextra -Werror "$@"
+  "$CC" ${SYSROOT:+--sysroot="$SYSROOT"} -std=c11 -Wall -Wextra -Werror "$@"
+}
+
+compile_cpp() {
+  "$CXX" ${SYSROOT:+--sysroot="$SYSROOT"} -std=c++17 -Wall -Wextra -Werror "$@"
 }
 
 # flags_of VARIABLE COMMAND...: what pkg-config prints, with a backslash before each blank in a name.
