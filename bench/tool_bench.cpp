@@ -16,7 +16,7 @@ void orvctl_target(row& row) {
       [] { require(run_program({"/bin/true"}) == 0, "/bin/true failed"); });
 }
 
-const bool registered = compare("tool/orvctl-target", "tool/bin-true", 2.5, orvctl_target);
+const bool registered = compare("tool/orvctl-target", "tool/bin-true", 2.7, orvctl_target);
 
 }  // namespace
 }  // namespace orv_bench
