@@ -44,13 +44,12 @@ void tick() {
 void bare_tick() {
   read_memory_summary();
   char* value = vconf_get_str(VCONFKEY_ORV_RESULT_DATA);
-  char* packet = static_cast<char*>(malloc(ORV_PACKET_MAX_TEXT));
-  char* item = static_cast<char*>(malloc(ORV_PACKET_MAX_TEXT));
-  keep(item);
-  vconf_set_str(VCONFKEY_ORV_RESULT_DATA, strcpy(packet, value));
+  char* copy = strcpy(static_cast<char*>(malloc(ORV_PACKET_MAX_TEXT)), value);
+  char* written = strcpy(static_cast<char*>(malloc(ORV_PACKET_MAX_TEXT)), copy);
+  vconf_set_str(VCONFKEY_ORV_RESULT_DATA, written);
   vconf_set_int(VCONFKEY_ORV_RESULT, ORV_RESULT_OK);
-  free(item);
-  free(packet);
+  free(written);
+  free(copy);
   free(value);
 }
 

@@ -15,7 +15,8 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
 set(CMAKE_BUILD_WITH_INSTALL_RPATH ON)
 
-add_compile_definitions(_GNU_SOURCE _FILE_OFFSET_BITS=64)
+# Where files can be large anyway, functions of the C library keep their plain names (open, not open64).
+add_compile_definitions(_GNU_SOURCE $<$<EQUAL:${CMAKE_SIZEOF_VOID_P},4>:_FILE_OFFSET_BITS=64>)
 add_compile_options(
   -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wformat=2 -Wundef
   -Wcast-align -Wcast-qual -Wdouble-promotion -Wvla -Werror

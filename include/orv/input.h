@@ -8,9 +8,9 @@
  *       input, the X server refused an event or went away, or the check failed. The next injection
  *       whose check passes answers -1 as well; the one after it answers 0 again.
  *
- * Record and text stay the caller's, are only read, and may not be null. Main loop's thread only.
- * While an injection runs, the process's X error handlers are the agent's; what other threads'
- * connections report meanwhile goes on to the host's handlers.
+ * Record and text stay the caller's and are only read. The record may not be null; a null text
+ * names no key. Main loop's thread only. While an injection runs, the process's X error handlers
+ * are the agent's; what other threads' connections report meanwhile goes on to the host's handlers.
  */
 #ifndef ORV_INPUT_H
 #define ORV_INPUT_H

@@ -15,8 +15,9 @@ ORV_BEGIN_DECLS
 
 /* Starts a thread and stores its id in `*thread`, which must not be null. `name` is for the log
  * alone and may be null; `reserved` is ignored. A `joinable` of 0 makes the thread detached.
- * `stack_size` is in bytes, 0 for 1 MiB. `argument` goes to the start routine untouched. -1 without
- * a log line when the start routine is null. */
+ * `stack_size` is in bytes, 0 for 1 MiB; less than the system's minimum, a negative size too,
+ * fails. `argument` goes to the start routine untouched. -1 without a log line when the start
+ * routine is null. */
 ORV_API int orv_thread_create(pthread_t* thread, const char* name, uint32_t reserved,
                               uint32_t joinable, int32_t stack_size, void* (*start_routine)(void*),
                               void* argument);

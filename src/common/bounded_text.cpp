@@ -28,4 +28,10 @@ bool bounded_text::format(const char* format, ...) noexcept {
   return true;
 }
 
+size_t copy_cut(char* to, size_t size, std::string_view text) noexcept {
+  const size_t length = text.copy(to, size - 1);
+  to[length] = '\0';
+  return length;
+}
+
 }  // namespace orv

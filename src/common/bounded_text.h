@@ -1,4 +1,5 @@
-// Text with a bound: pieces go in whole or not at all, and the caller learns which.
+// Text with a bound: pieces go in whole or not at all, and the caller learns which; a copy may be
+// cut.
 #ifndef ORV_COMMON_BOUNDED_TEXT_H
 #define ORV_COMMON_BOUNDED_TEXT_H
 
@@ -31,6 +32,13 @@ class bounded_text {
   size_t room_;
   size_t size_ = 0;
 };
+
+// Copies what fits, followed by a NUL, and returns its length.
+size_t copy_cut(char* to, size_t size, std::string_view text) noexcept;
+template <size_t N>
+size_t copy_cut(char (&to)[N], std::string_view text) noexcept {
+  return copy_cut(to, N, text);
+}
 
 }  // namespace orv
 

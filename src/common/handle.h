@@ -3,6 +3,7 @@
 #define ORV_COMMON_HANDLE_H
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <stdio.h>
 #include <stdlib.h>
 
@@ -16,6 +17,14 @@ struct closer {
 };
 template <class T>
 using handle = std::unique_ptr<T, closer>;
+
+// For streams opened with the plain mode "r", where no flag can ask for it; null stays null.
+inline FILE* closed_on_exec(FILE* file) noexcept {
+  if (file != nullptr) {
+    fcntl(fileno(file), F_SETFD, FD_CLOEXEC);
+  }
+  return file;
+}
 
 // What malloc returned, a text of the store included.
 struct freer {

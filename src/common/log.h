@@ -12,6 +12,11 @@ enum class log_level { info, error };
 void log_line(log_level level, const char* file, const char* function, int line, const char* format,
               ...) noexcept __attribute__((format(printf, 5, 6)));
 
+// For %s, which not every C library takes null for.
+constexpr const char* printable(const char* text) {
+  return text != nullptr ? text : "(null)";
+}
+
 }  // namespace orv
 
 #define orv_log_info(...) \

@@ -50,7 +50,7 @@ const mode_row* find_mode(const char* line) {
 
 // Leaves the line empty when there is nothing to read.
 void read_first_line(char (&line)[line_size]) {
-  const handle<FILE> file{fopen(config_file, "re")};
+  const handle<FILE> file{closed_on_exec(fopen(config_file, "r"))};
   if (!file || fgets(line, line_size, file.get()) == nullptr) {
     line[0] = '\0';
   }

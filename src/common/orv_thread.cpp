@@ -4,6 +4,8 @@
 #include <signal.h>
 #include <string.h>
 
+#include <algorithm>
+
 #include "common/log.h"
 
 // A failed call's two lines. `code` is what the call returned: these calls leave errno alone. A
@@ -30,7 +32,9 @@ struct outcome {
 };
 
 outcome set_attributes(pthread_attr_t* attributes, int32_t stack_size, uint32_t joinable) {
-  int code = pthread_attr_setstacksize(attributes, static_cast<size_t>(stack_size));
+  // A negative size is below the minimum as well; converted, it would be huge.
+  int code =
+      pthread_attr_setstacksize(attributes, static_cast<size_t>(std::max<int32_t>(stack_size, 0)));
   if (code != 0) {
     return {code, "orv_thread_create():: Got error from pthread_attr_setstacksize \n"};
   }
@@ -66,7 +70,7 @@ int orv_thread_create(pthread_t* thread, const char* name, uint32_t /*reserved*/
     pthread_attr_destroy(&attributes);
     return -1;
   }
-  orv_log_info("%s Thread created (ID=%u, stack_size=%d) \n", name != nullptr ? name : "(null)",
+  orv_log_info("%s Thread created (ID=%u, stack_size=%d) \n", orv::printable(name),
                orv::shown(*thread), stack_size);
   code = pthread_attr_destroy(&attributes);
   if (code != 0) {

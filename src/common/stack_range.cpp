@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "common/bounded_text.h"
+#include "common/handle.h"
 #include "common/hex_address.h"
 
 namespace orv {
@@ -28,28 +29,29 @@ command_pipe start_stack_command(const listed_thread& thread) {
   char buffer[fixed_length + sizeof thread.pid_text + sizeof thread.tid_text];
   bounded_text command{buffer};
   command.format(STACK_COMMAND, thread.pid_text, thread.tid_text);
-  return command_pipe{popen(command.c_str(), "re")};
+  return command_pipe{closed_on_exec(popen(command.c_str(), "r"))};
 }
 
-bool is_address(std::string_view text) {
-  return text.size() == address_length &&
-         std::all_of(text.begin(), text.end(), [](unsigned char c) { return isxdigit(c); });
+bool is_digit(char c) {
+  return isxdigit(static_cast<unsigned char>(c)) != 0;
+}
+
+bool starts_with_range(std::string_view line) {
+  constexpr std::string_view shape = "dddddddd-dddddddd";
+  return line.size() >= shape.size() &&
+         std::equal(shape.begin(), shape.end(), line.begin(),
+                    [](char wanted, char c) { return wanted == '-' ? c == '-' : is_digit(c); }) &&
+         (line.size() == shape.size() || !is_digit(line[shape.size()]));
 }
 
 }  // namespace
 
 std::optional<stack_range> parse_stack_range(std::string_view line) noexcept {
-  const std::string_view range = line.substr(0, line.find_first_of(" \n"));
-  const size_t hyphen = range.find('-');
-  if (hyphen == std::string_view::npos) {
+  if (!starts_with_range(line)) {
     return std::nullopt;
   }
-  const std::string_view start = range.substr(0, hyphen);
-  const std::string_view end = range.substr(hyphen + 1);
-  if (!is_address(start) || !is_address(end)) {
-    return std::nullopt;
-  }
-  return stack_range{hex_address(start), hex_address(end)};
+  return stack_range{hex_address({line.data(), address_length}),
+                     hex_address({line.data() + address_length + 1, address_length})};
 }
 
 std::optional<stack_line> ask_stack_line(const listed_thread& thread) noexcept {

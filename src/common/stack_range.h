@@ -16,7 +16,7 @@ struct stack_range {
   uint32_t end;
 };
 
-// Empty unless the line starts with two addresses of eight digits, joined by a hyphen.
+// Empty unless the line starts with two addresses of exactly eight digits, joined by a hyphen.
 std::optional<stack_range> parse_stack_range(std::string_view line) noexcept;
 
 // A line that the stack command printed; empty when it printed none.

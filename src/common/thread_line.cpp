@@ -1,10 +1,11 @@
 #include "common/thread_line.h"
 
-#include <stdlib.h>
-
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <utility>
 
+#include "common/bounded_text.h"
 #include "common/hex_address.h"
 
 namespace orv {
@@ -31,31 +32,34 @@ tokens split(std::string_view line) {
 }
 
 template <size_t N>
-void copy_cut(char (&text)[N], std::string_view token) {
-  token.copy(text, N - 1);
-}
-
-bool is_number(std::string_view token) {
-  return !token.empty() && token.find_first_not_of("0123456789") == std::string_view::npos;
-}
-
-template <size_t N>
 bool take_id(std::string_view token, char (&text)[N], int32_t& id) {
-  if (!is_number(token)) {
-    return false;
-  }
+  uint32_t number = 0;  // unsigned: no sign is taken
+  const char* const token_end = token.data() + token.size();
+  const auto [end, error] = std::from_chars(token.data(), token_end, number);
   copy_cut(text, token);
-  const long long number = strtoll(text, nullptr, 10);
   id = static_cast<int32_t>(number);
-  return number <= INT32_MAX;
+  return error == std::errc{} && end == token_end && id >= 0;
+}
+
+bool is_state(std::string_view token) {
+  const char letter = token.empty() ? '\0' : static_cast<char>(token[0] | 0x20);
+  return letter >= 'a' && letter <= 'z' && token.size() == 2 && token[1] == '\n';
+}
+
+// A thread's name may be empty or blank: the state then comes right after the stack pointer. Any
+// other line that lacks columns was cut, on a full file system.
+bool complete(tokens& found) {
+  if (found[state].empty() && is_state(found[comm])) {
+    std::swap(found[comm], found[state]);
+  }
+  return !found[state].empty();
 }
 
 }  // namespace
 
 std::optional<listed_thread> parse_thread(std::string_view line) noexcept {
-  const tokens found = split(line);
-  // A line that was cut, on a full file system, lacks its last columns.
-  if (found[state].empty() || found[comm] == "ps" || found[comm] == "sh") {
+  tokens found = split(line);
+  if (!complete(found) || found[comm] == "ps" || found[comm] == "sh") {
     return std::nullopt;
   }
   listed_thread thread{};

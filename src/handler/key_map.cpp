@@ -47,6 +47,9 @@ static_assert(keys_are_sound());
 namespace orv {
 
 std::optional<int32_t> find_keycode(const char* name) {
+  if (name == nullptr) {
+    return std::nullopt;
+  }
   for (const key_map_entry* row = orv_key_map; strcmp(row->key_name, end_name) != 0; ++row) {
     if (strcmp(name, row->key_name) == 0) {
       return row->keycode;

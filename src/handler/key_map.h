@@ -8,7 +8,7 @@
 
 namespace orv {
 
-// The keycode of the key with exactly this name.
+// The keycode of the key with exactly this name; null names no key.
 std::optional<int32_t> find_keycode(const char* name);
 
 }  // namespace orv

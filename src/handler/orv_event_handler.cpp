@@ -57,15 +57,21 @@ bool is_press_or_release(int32_t action) {
   return action == ORV_PRESS || action == ORV_RELEASE;
 }
 
-bool inject_virtual_key(int32_t action, int32_t keycode) {
-  switch (action) {
-    case ORV_EVENT_VIRTUAL_KEY:
-      return inject_key_tap(keycode);
-    case ORV_RELEASE:
-      return inject_key(keycode, false);
-    default:
-      return false;
+bool inject_named_key(int32_t action, const char* name) {
+  if (!is_press_or_release(action)) {
+    return false;
   }
+  const auto keycode = find_keycode(name);
+  return keycode && inject_key(*keycode, action == ORV_PRESS);
+}
+
+bool inject_virtual_key(int32_t action, const char* name) {
+  if (action != ORV_EVENT_VIRTUAL_KEY && action != ORV_RELEASE) {
+    return false;
+  }
+  const auto keycode = find_keycode(name);
+  return keycode &&
+         (action == ORV_RELEASE ? inject_key(*keycode, false) : inject_key_tap(*keycode));
 }
 
 }  // namespace
@@ -93,12 +99,10 @@ void orv_event_handler(orv_command* record, const char* data) {
 
 void orv_event_key_handler(const orv_command* record, const char* data) {
   orv_log_info("orv_event_key_handler+ \n");
-  orv_log_info("  data=%s \n", data);
+  orv_log_info("  data=%s \n", orv::printable(data));
   orv_log_info("  param2=%d \n", record->param2);
   orv_log_info("orv_event_key_handler- \n");
-  const auto keycode = orv::find_keycode(data);
-  orv::report(keycode && orv::is_press_or_release(record->param2) &&
-              orv::inject_key(*keycode, record->param2 == ORV_PRESS));
+  orv::report(orv::inject_named_key(record->param2, data));
 }
 
 void orv_event_virtual_key_handler(const orv_command* record, const char* data) {
@@ -107,9 +111,8 @@ void orv_event_virtual_key_handler(const orv_command* record, const char* data) 
   orv_log_info("  param2=%d \n", record->param2);
   orv_log_info("  param3=%d \n", record->param3);
   orv_log_info("  param4=%d \n", record->param4);
-  orv_log_info("  data=%s \n", data);
-  const auto keycode = orv::find_keycode(data);
-  orv::report(keycode && orv::inject_virtual_key(record->param1, *keycode));
+  orv_log_info("  data=%s \n", orv::printable(data));
+  orv::report(orv::inject_virtual_key(record->param1, data));
   orv_log_info("orv_event_virtual_key_handler- \n");
 }
 

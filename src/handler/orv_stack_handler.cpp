@@ -37,8 +37,11 @@ void orv_stack_handler(orv_command* /*record*/, const char* /*data*/) {
     orv_log_info("TASK SIZE:    %d\n", static_cast<int32_t>(thread.stack_size));
     orv_log_info("Base POINTER: %d\n", static_cast<int32_t>(thread.stack_start));
     orv_log_info("\n");
-    // Once a group does not fit, no shorter one behind it may jump the queue.
-    has_room = has_room && orv::append_group(text, thread);
+    // Once a group does not fit, no shorter one after it is let in. The sampler is exported: a
+    // host's own in its place may leave the stack pointer out.
+    if (thread.esp != 0) {
+      has_room = has_room && orv::append_group(text, thread);
+    }
   }
   orv::answer(text.c_str(), ORV_RESULT_OK);
   orv_log_info("end- \n");

@@ -32,9 +32,15 @@ constexpr meminfo_row memory_table[] = {
     {"MemTotal", &memory.mem_total},
 };
 
-// Kept from the first tick until the monitor is closed: giving back and taking two buffers of this
-// size at every tick would have the allocator return the pages to the system each time.
-owned_text packet_buffer;
+// Never null: a tick without memory ends the process. The log shows `function` for it.
+owned_text room_for_packet(const char* function) {
+  owned_text room{static_cast<char*>(malloc(ORV_PACKET_MAX_TEXT))};
+  if (!room) {
+    log_line(log_level::error, __FILE_NAME__, function, __LINE__, "Could not acllocate memory \n");
+    exit(1);
+  }
+  return room;
+}
 
 orv_heap_item sampled_item(uint32_t tick_count) {
   return {ORV_ITEM_HEAP_SIZE,
@@ -47,10 +53,13 @@ orv_heap_item sampled_item(uint32_t tick_count) {
           "$"};
 }
 
-void format_item(const orv_heap_item& item, bounded_text& text) {
+bool append_item(const packet& old, const orv_heap_item& item, bounded_text& grown) {
+  char buffer[128];
+  bounded_text text{buffer};
   text.format("%d,%d,%ld,%ld,%ld,%ld,%ld,%s,", item.item_size, item.item_code,
               long{item.tick_count}, long{item.item_count}, long{item.item_id},
               long{item.heap_free}, long{item.heap_max_free}, item.mark);
+  return grow_packet(old, {item.item_size, text.view()}, grown);
 }
 
 }  // namespace
@@ -64,40 +73,33 @@ int orv_heap_monitor_open(void) {
 int orv_heap_monitor_proc(void* /*user_data*/) {
   orv_log_info("start+ \n");
   orv_meminfo(orv::memory_table, std::size(orv::memory_table));
-  const orv::owned_text old_text = orv::read_packet();
-  if (!orv::packet_buffer) {
-    orv::packet_buffer.reset(static_cast<char*>(malloc(ORV_PACKET_MAX_TEXT)));
-  }
-  if (!orv::packet_buffer) {
-    orv_log_error("Could not acllocate memory \n");
-    exit(1);
-  }
-  g_packet_data.packet_code = ORV_COMMAND_SEND_BUFFER;
-  orv_heap_item& item = orv_mon_heap_info;
-  item = orv::sampled_item(orv::to_ms(orv::wall_clock()) - orv_start_time);
-  char item_buffer[128];
-  orv::bounded_text item_text{item_buffer};
-  orv::format_item(item, item_text);
-  orv::bounded_text grown{orv::packet_buffer.get(), ORV_PACKET_MAX_TEXT};
-  const bool grew =
-      orv::grow_packet(orv::parse_packet(old_text), {item.item_size, item_text.view()}, grown);
+  {  // What the tick took is given back before it logs its end.
+    orv::owned_text old_text = orv::read_packet();
+    const orv::owned_text copy = orv::room_for_packet(__func__);
+    g_packet_data.packet_code = ORV_COMMAND_SEND_BUFFER;
+    const orv::packet old = orv::copy_packet(old_text, copy.get(), ORV_PACKET_MAX_TEXT);
+    const orv::owned_text room = orv::room_for_packet(__func__);
+    orv_heap_item& item = orv_mon_heap_info;
+    item = orv::sampled_item(orv::to_ms(orv::wall_clock()) - orv_start_time);
+    orv::bounded_text grown{room.get(), ORV_PACKET_MAX_TEXT};
+    const bool grew = orv::append_item(old, item, grown);
 
-  orv_log_info("> Total  count   ==   %d\n", g_packet_data.total_count);
-  orv_log_info("> The item size  ==   %d\n", item.item_size);
-  orv_log_info("> The item code  ==   %d\n", item.item_code);
-  orv_log_info("> The tick _count==   %ld\n", long{item.tick_count});
-  orv_log_info("> The item count ==   %ld\n", long{item.item_count});
-  orv_log_info("> The item id    ==   %ld\n", long{item.item_id});
-  orv_log_info("> Heap Free  mem ==   %ld B \n", long{item.heap_free});
-  orv_log_info("> Heap Max Free  ==   %ld B \n", long{item.heap_max_free});
-  orv::answer_tick(grew ? grown.c_str() : old_text.get());
+    orv_log_info("> Total  count   ==   %d\n", g_packet_data.total_count);
+    orv_log_info("> The item size  ==   %d\n", item.item_size);
+    orv_log_info("> The item code  ==   %d\n", item.item_code);
+    orv_log_info("> The tick _count==   %ld\n", long{item.tick_count});
+    orv_log_info("> The item count ==   %ld\n", long{item.item_count});
+    orv_log_info("> The item id    ==   %ld\n", long{item.item_id});
+    orv_log_info("> Heap Free  mem ==   %ld B \n", long{item.heap_free});
+    orv_log_info("> Heap Max Free  ==   %ld B \n", long{item.heap_max_free});
+    orv::answer_tick(grew ? grown.c_str() : orv::reread_packet(old_text));
+  }
   orv_log_info("end- \n");
   return 1;
 }
 
 int orv_heap_monitor_close(void) {
   orv_log_info("orv_heap_monitor_close() \n");
-  orv::packet_buffer.reset();
   orv::answer(ORV_RESULT_OK);
   return 1;
 }

@@ -69,7 +69,7 @@ void orv_cpu_monitor(orv_command* record, const char* data) {
   orv_log_info("  param2=%d \n", record->param2);
   orv_log_info("  param3=%d \n", record->param3);
   orv_log_info("  param4=%d \n", record->param4);
-  orv_log_info("  data=%s \n", data);
+  orv_log_info("  data=%s \n", orv::printable(data));
   orv::run(record, record->param3);
   orv_log_info("orv_event_cpu_monitor- \n");
 }
@@ -79,7 +79,7 @@ void orv_heap_monitor(orv_command* record, const char* data) {
   orv_log_info("param1=%d \n", record->param1);
   orv_log_info("param2=%d \n", record->param2);
   orv_log_info("param3=%d \n", record->param3);
-  orv_log_info("  data=%s \n", data);
+  orv_log_info("  data=%s \n", orv::printable(data));
   orv::run(record, ORV_HEAP_MONITOR_INTERVAL_MS);
   orv_log_info("orv_heap_monitor_handler- \n");
 }
@@ -90,6 +90,6 @@ void orv_stack_monitor(orv_command* record, const char* data) {
   orv_log_info("  param2=%d \n", record->param2);
   orv_log_info("  param3=%d \n", record->param3);
   orv_log_info("  param4=%d \n", record->param4);
-  orv_log_info("  data=%s \n", data);
+  orv_log_info("  data=%s \n", orv::printable(data));
   orv::run(record, ORV_STACK_MONITOR_INTERVAL_MS);
 }

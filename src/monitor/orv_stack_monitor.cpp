@@ -13,6 +13,7 @@
 namespace orv {
 namespace {
 
+constexpr size_t copy_size = 80696;
 constexpr size_t thread_list_size = 4096;
 
 constexpr struct {
@@ -32,11 +33,40 @@ int code_of(const char* state) {
   return 0;
 }
 
-bool append_group(bounded_text& list, const thread_stack_info& thread) {
-  return list.format("%d,%d,%lu,%lu,%lu,%s,", thread.tid, code_of(thread.state),
-                     static_cast<unsigned long>(thread.esp),
-                     static_cast<unsigned long>(thread.stack_end),
-                     static_cast<unsigned long>(thread.stack_start), "$");
+struct thread_groups {
+  explicit thread_groups(char* list) noexcept : text{list, thread_list_size} {}
+
+  // Once a group does not fit, no shorter one after it is let in.
+  void append(const thread_stack_info& thread) noexcept {
+    has_room = has_room && text.format("%d,%d,%lu,%lu,%lu,%s,", thread.tid, code_of(thread.state),
+                                       static_cast<unsigned long>(thread.esp),
+                                       static_cast<unsigned long>(thread.stack_end),
+                                       static_cast<unsigned long>(thread.stack_start), "$");
+    count += has_room ? 1 : 0;
+  }
+
+  bounded_text text;
+  int32_t count = 0;
+  bool has_room = true;
+};
+
+bool append_item(const packet& old, uint32_t tick_count, const thread_groups& groups,
+                 bounded_text& grown) {
+  const int32_t item_size = ORV_ITEM_STACK_SIZE + ORV_ITEM_STACK_GROUP_SIZE * groups.count;
+  char buffer[64];
+  bounded_text head{buffer};
+  head.format("%d,%d,%ld,%d,", item_size, ORV_ITEM_STACK,
+              static_cast<long>(static_cast<int32_t>(tick_count)), groups.count);
+  return grow_packet(old, {item_size, head.view(), groups.text.view()}, grown);
+}
+
+// Null when memory is refused, which the log shows for `function`.
+owned_text allocate(size_t size, const char* function) {
+  owned_text memory{static_cast<char*>(malloc(size))};
+  if (!memory) {
+    log_line(log_level::error, __FILE_NAME__, function, __LINE__, " ERROR in Memory allocation\n");
+  }
+  return memory;
 }
 
 }  // namespace
@@ -48,42 +78,42 @@ int orv_stack_monitor_open(void) {
 }
 
 int orv_stack_monitor_proc(void* /*user_data*/) {
-  const orv::owned_text old_text = orv::read_packet();
-  const orv::owned_text list_buffer{static_cast<char*>(malloc(orv::thread_list_size))};
-  const orv::owned_text buffer{static_cast<char*>(malloc(ORV_PACKET_MAX_TEXT))};
-  if (!list_buffer || !buffer) {
-    orv_log_error(" ERROR in Memory allocation\n");
-    return 1;
-  }
-  const int32_t thread_count = orv_get_stack_info(result_stack_info);
-  const uint32_t tick_count = orv::to_ms(orv::wall_clock()) - orv_start_time;
+  {  // What the tick took is given back before it logs its end.
+    orv::owned_text old_text = orv::read_packet();
+    const orv::owned_text copy = orv::allocate(orv::copy_size, __func__);
+    if (!copy) {
+      return 1;
+    }
+    const orv::packet old = orv::copy_packet(old_text, copy.get(), orv::copy_size);
+    const orv::owned_text list = orv::allocate(orv::thread_list_size, __func__);
+    if (!list) {
+      return 1;
+    }
+    const int32_t thread_count = orv_get_stack_info(result_stack_info);
+    const uint32_t tick_count = orv::to_ms(orv::wall_clock()) - orv_start_time;
 
-  orv::bounded_text groups{list_buffer.get(), orv::thread_list_size};
-  int32_t task_count = 0;
-  bool has_room = true;
-  for (int32_t i = 0; i < thread_count; ++i) {
-    const thread_stack_info& thread = result_stack_info[i];
-    orv_log_info("\n==================================================================\n");
-    orv_log_info("TASK NAME        :   %s\n", thread.comm);
-    orv_log_info("TASK ID          :   %d\n", thread.tid);
-    orv_log_info("TASK STATE       :   %X\n", static_cast<unsigned>(orv::code_of(thread.state)));
-    orv_log_info("STACK POINTER    :   %X\n", thread.esp);
-    orv_log_info("Base  POINTER    :   %X\n", thread.stack_start);
-    orv_log_info("TOP   POINTER    :   %X\n", thread.stack_end);
-    orv_log_info("=====================================================================");
-    has_room = has_room && orv::append_group(groups, thread);
-    task_count += has_room ? 1 : 0;
-  }
+    orv::thread_groups groups{list.get()};
+    for (int32_t i = 0; i < thread_count; ++i) {
+      const thread_stack_info& thread = result_stack_info[i];
+      orv_log_info("\n==================================================================\n");
+      orv_log_info("TASK NAME        :   %s\n", thread.comm);
+      orv_log_info("TASK ID          :   %d\n", thread.tid);
+      orv_log_info("TASK STATE       :   %X\n", static_cast<unsigned>(orv::code_of(thread.state)));
+      orv_log_info("STACK POINTER    :   %X\n", thread.esp);
+      orv_log_info("Base  POINTER    :   %X\n", thread.stack_start);
+      orv_log_info("TOP   POINTER    :   %X\n", thread.stack_end);
+      orv_log_info("=====================================================================");
+      groups.append(thread);
+    }
 
-  const int32_t item_size = ORV_ITEM_STACK_SIZE + ORV_ITEM_STACK_GROUP_SIZE * task_count;
-  char head_buffer[64];
-  orv::bounded_text head{head_buffer};
-  head.format("%d,%d,%ld,%d,", item_size, ORV_ITEM_STACK,
-              static_cast<long>(static_cast<int32_t>(tick_count)), task_count);
-  orv::bounded_text grown{buffer.get(), ORV_PACKET_MAX_TEXT};
-  const bool grew =
-      orv::grow_packet(orv::parse_packet(old_text), {item_size, head.view(), groups.view()}, grown);
-  orv::answer_tick(grew ? grown.c_str() : old_text.get());
+    const orv::owned_text room = orv::allocate(ORV_PACKET_MAX_TEXT, __func__);
+    if (!room) {
+      return 1;
+    }
+    orv::bounded_text grown{room.get(), ORV_PACKET_MAX_TEXT};
+    const bool grew = orv::append_item(old, tick_count, groups, grown);
+    orv::answer_tick(grew ? grown.c_str() : orv::reread_packet(old_text));
+  }
   orv_log_info("end- \n");
   return 1;
 }

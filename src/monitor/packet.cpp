@@ -5,6 +5,7 @@
 #include <vconf.h>
 
 #include <charconv>
+#include <utility>
 
 #include "common/answer.h"
 #include "common/log.h"
@@ -45,11 +46,18 @@ packet parse_packet(std::string_view text) {
   if (comma == std::string_view::npos) {
     return empty_packet;
   }
-  return {leading_number(text.substr(0, comma)), text.substr(comma + 1)};
+  const std::string_view total = text.substr(0, comma);
+  text.remove_prefix(comma + 1);
+  return {leading_number(total), text};
 }
 
-packet parse_packet(const owned_text& text) {
-  return text ? parse_packet(std::string_view{text.get()}) : empty_packet;
+packet copy_packet(const owned_text& text, char* copy, size_t size) {
+  const std::string_view whole{text ? text.get() : ""};
+  if (whole.empty()) {
+    return empty_packet;
+  }
+  const size_t length = copy_cut(copy, size, whole);
+  return parse_packet(length == whole.size() ? std::string_view{copy, length} : whole);
 }
 
 bool grow_packet(const packet& old, const tick_items& items, bounded_text& grown) {
@@ -62,6 +70,14 @@ bool grow_packet(const packet& old, const tick_items& items, bounded_text& grown
     orv_log_error("grow_packet():: packet is full, item of %d bytes dropped \n", items.size_bytes);
   }
   return fits;
+}
+
+const char* reread_packet(owned_text& text) {
+  if (owned_text now = read_packet()) {
+    text = std::move(now);
+  }
+  g_packet_data.total_count = parse_packet(text.get()).total_count;
+  return text.get();
 }
 
 void answer_tick(const char* packet) {

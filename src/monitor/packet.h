@@ -29,14 +29,21 @@ owned_text read_packet();
 
 // What is no packet, another command's answer say, counts as an empty key.
 packet parse_packet(std::string_view text);
-packet parse_packet(const owned_text& text);
 
-// Builds in `grown`, which is empty and has room for a packet, the old packet with the items behind
+// Copies the text, cut to `size`, and parses it: in the copy, or where it is when it was cut. An
+// empty text or null leaves the copy as it was.
+packet copy_packet(const owned_text& text, char* copy, size_t size);
+
+// Builds in `grown`, which is empty and has room for a packet, the old packet with the items after
 // it. False, and one error line, when they do not fit: the key is then to keep its packet.
 // g_packet_data gets the total of the packet that the key is to hold.
 bool grow_packet(const packet& old, const tick_items& items, bounded_text& grown);
 
-// Ends a tick: writes the packet, the old one if it did not grow, and the result. A tool tells
+// What a tick writes back when its items were dropped: the key's text as it is now, so that a key
+// that was emptied meanwhile stays empty. It replaces `text`, unless it cannot be read.
+const char* reread_packet(owned_text& text);
+
+// Ends a tick: writes the packet and the result, also when the packet did not grow. A tool tells
 // ticks from answers by the packet that comes before the result.
 void answer_tick(const char* packet);
 

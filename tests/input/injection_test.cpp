@@ -70,8 +70,9 @@ TEST_F(Injection, TouchesWhereItIsTold) {
 }
 
 TEST_F(Injection, SendsNothingForAWrongParameterOrName) {
-  for (const char* name : {"end", "key_ok", "KEY_OK ", "KEY_O", ""}) {
-    SCOPED_TRACE(name);
+  constexpr const char* no_keys[] = {"end", "key_ok", "KEY_OK ", "KEY_O", "", nullptr};
+  for (const char* name : no_keys) {
+    SCOPED_TRACE(testing::PrintToString(name));
     EXPECT_EQ(key(name, ORV_PRESS), failed);
     EXPECT_EQ(virtual_key(name), failed);
   }

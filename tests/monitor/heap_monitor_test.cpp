@@ -92,16 +92,21 @@ TEST_F(HeapMonitor, ComputesFreeBytesIn32Bits) {
   EXPECT_EQ(packet_after(""), "848,36,28,2,T,1,1,1024,0,$,");
 }
 
-TEST_F(HeapMonitor, TakesTheProcessDownWithoutMemory) {
+// Each tick takes memory for a copy of the old packet and for the new one.
+TEST_F(HeapMonitor, TakesTheProcessDownWithoutMemoryInAnyTick) {
   const std::string old = "848,24,16,1,5,100,$,";
-  put(VCONFKEY_ORV_RESULT_DATA, old.c_str());
-  EXPECT_EXIT(
-      {
-        orv_test::refuse_memory(ORV_PACKET_MAX_TEXT);
-        orv_heap_monitor_proc(nullptr);
-      },
-      testing::ExitedWithCode(1), "\\[ORV       \\] .*Could not acllocate memory ");
-  EXPECT_EQ(text_at(VCONFKEY_ORV_RESULT_DATA), old);
+  for (int granted = 0; granted < 4; ++granted) {
+    SCOPED_TRACE(granted);
+    put(VCONFKEY_ORV_RESULT_DATA, old.c_str());
+    EXPECT_EXIT(
+        {
+          orv_test::refuse_memory(ORV_PACKET_MAX_TEXT, granted);
+          orv_heap_monitor_proc(nullptr);
+          orv_heap_monitor_proc(nullptr);
+        },
+        testing::ExitedWithCode(1), "\\[ORV       \\] .*Could not acllocate memory ");
+    EXPECT_EQ(text_at(VCONFKEY_ORV_RESULT_DATA).substr(0, 7), granted < 2 ? "848,24," : "848,52,");
+  }
 }
 
 }  // namespace

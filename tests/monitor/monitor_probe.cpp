@@ -11,6 +11,7 @@ namespace {
 
 std::vector<unsigned> intervals;
 size_t refused_size = 0;
+int still_granted = 0;
 
 }  // namespace
 
@@ -18,8 +19,9 @@ std::vector<unsigned> take_intervals() {
   return std::exchange(intervals, {});
 }
 
-void refuse_memory(size_t size) {
+void refuse_memory(size_t size, int granted) {
   refused_size = size;
+  still_granted = granted;
 }
 
 void MonitorTest::SetUp() {
@@ -66,7 +68,9 @@ guint __wrap_g_timeout_add(guint interval, GSourceFunc callback, gpointer user_d
 
 void* __real_malloc(size_t size);
 void* __wrap_malloc(size_t size) {
-  return size != 0 && size == orv_test::refused_size ? nullptr : __real_malloc(size);
+  const bool refused =
+      size != 0 && size == orv_test::refused_size && orv_test::still_granted-- <= 0;
+  return refused ? nullptr : __real_malloc(size);
 }
 
 }  // extern "C"

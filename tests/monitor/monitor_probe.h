@@ -16,8 +16,9 @@ namespace orv_test {
 // Intervals of the timers that were registered since the last call, in milliseconds.
 std::vector<unsigned> take_intervals();
 
-// From now on, in this test, allocations of this size fail; of 0, none.
-void refuse_memory(size_t size);
+// From now on, in this test, allocations of this size fail, all but the first `granted`; of 0,
+// none.
+void refuse_memory(size_t size, int granted = 0);
 
 // No monitor runs when a test begins, none when it ends.
 class MonitorTest : public AgentTest {

@@ -76,7 +76,11 @@ TEST_F(FullPacket, IsKeptAndNextTicksGoOn) {
                                      std::to_string(size) + " bytes dropped "));
       EXPECT_EQ(std::to_string(g_packet_data.total_count), total);
     }
-    put(VCONFKEY_ORV_RESULT_DATA, "");
+    take_writes();
+    orv_test::empty_after_read(VCONFKEY_ORV_RESULT_DATA);
+    EXPECT_EQ(proc(nullptr), 1);
+    EXPECT_THAT(take_writes(), ElementsAre("memory/orv/result_data=", "memory/orv/result=0"));
+    EXPECT_EQ(g_packet_data.total_count, ORV_PACKET_HEADER_SIZE);
     EXPECT_EQ(proc(nullptr), 1);
     EXPECT_EQ(packet_fault(text_at(VCONFKEY_ORV_RESULT_DATA)), "");
   }
@@ -92,6 +96,7 @@ TEST_F(FullPacket, TakesItemsUpToItsLastByte) {
     const std::string packet = text_at(VCONFKEY_ORV_RESULT_DATA);
     EXPECT_EQ(packet.size(), over == 0 ? most_characters : old.size());
     EXPECT_EQ(packet_fault(packet), "");
+    EXPECT_EQ(wr_vconf_data, packet);
   }
 }
 

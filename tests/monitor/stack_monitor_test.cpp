@@ -12,9 +12,9 @@ using orv_test::take_writes;
 using orv_test::text_at;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::IsSupersetOf;
 
 constexpr char stack_lines[] = "bee00000-bee21000 rw-p 00000000 00:00 0  [stack]\n";
+constexpr size_t copy_size = 80696;
 constexpr size_t list_size = 4096;
 
 class StackMonitor : public orv_test::MonitorTest {
@@ -110,11 +110,16 @@ TEST_F(StackMonitor, SkipsATickWithoutMemory) {
   feed({"S"});
   const std::string old = "848,24,16,1,5,100,$,";
   put(VCONFKEY_ORV_RESULT_DATA, old.c_str());
-  for (const size_t size : {size_t{ORV_PACKET_MAX_TEXT}, list_size}) {
+  constexpr char refused[] = "E  ERROR in Memory allocation";
+  for (const size_t size : {copy_size, list_size, size_t{ORV_PACKET_MAX_TEXT}}) {
+    SCOPED_TRACE(size);
     orv_test::refuse_memory(size);
     EXPECT_EQ(orv_stack_monitor_proc(nullptr), 1);
-    EXPECT_THAT(take_messages(), IsSupersetOf({"E  ERROR in Memory allocation"}));
+    const auto messages = take_messages();
+    EXPECT_EQ(messages.back(), refused);
+    EXPECT_EQ(messages.size() > 1, size == ORV_PACKET_MAX_TEXT) << "threads are sampled before";
     EXPECT_THAT(take_writes(), IsEmpty());
+    EXPECT_EQ(g_packet_data.total_count, 0);
   }
   EXPECT_EQ(text_at(VCONFKEY_ORV_RESULT_DATA), old);
 }

@@ -71,6 +71,7 @@ TEST_F(Samplers, TakeTheSameThreadsFromTheSameLines) {
                " 20 20  0.0 00000000 kthreadd        S\n"
                " 30 30 99.9 bef01234 two words       D\n"
                " 40 40  0.0 bef01234 ps              R\n"
+               " 30 31  0.0 bef01234                 R\n"
                "$(touch${IFS}/tmp/pwned) 50 0.0 bef01234 evil S\n"
                " 60 60;reboot 0.0 bef01234 evil S\n");
   const std::string two_stacks =
@@ -81,23 +82,24 @@ TEST_F(Samplers, TakeTheSameThreadsFromTheSameLines) {
   fed_.feed_cat("/proc/10/task/11/maps", two_stacks);
   fed_.feed_cat("/proc/30/task/30/maps", two_stacks);
 
-  ASSERT_EQ(orv_get_stack_info(result_stack_info), 3);
+  ASSERT_EQ(orv_get_stack_info(result_stack_info), 4);
   EXPECT_THAT(take_messages(),
               ElementsAre("I 10  10   1.5    3204444160         3202351104         3202486272      "
                           "   135168       S   lumen-ui-host",
                           "I 10  11   0.0    200265728         3202351104         3202486272      "
                           "   135168       R   lumen-ui-host2",
                           "I 30  30   99.9    3203404340         199229440         199364608      "
-                          "   135168       w   two"));
+                          "   135168       w   two",
+                          "I 30  31   0.0    3203404340         0         0         0       R   "));
   EXPECT_THAT(fed_.take_commands(),
               ElementsAre(lister, "cat /proc/10/task/10/maps", "cat /proc/10/task/11/maps",
-                          "cat /proc/30/task/30/maps"));
+                          "cat /proc/30/task/30/maps", "cat /proc/30/task/31/maps"));
   EXPECT_EQ(result_stack_info[1].state[1], '\0');
 
-  ASSERT_EQ(orv_get_cpu_info(result_cpu_info), 3);
+  ASSERT_EQ(orv_get_cpu_info(result_cpu_info), 4);
   EXPECT_THAT(take_messages(),
               ElementsAre("I 10      S\n     lumen-ui-host", "I 11      R\n     lumen-ui-host2",
-                          "I 30      words     two"));
+                          "I 30      words     two", "I 31      R\n     "));
   EXPECT_THAT(fed_.take_commands(), ElementsAre(lister));
   EXPECT_FALSE(fs::exists("/tmp/pwned"));
 }
@@ -129,37 +131,57 @@ TEST_F(Samplers, FindNothingInWhatIsNoListing) {
   }
 }
 
+void write_mode(fs::perms permissions) {
+  std::ofstream{lister_file} << std::string(100, 'x');
+  fs::permissions(lister_file, permissions);
+}
+
+struct stat file_status() {
+  struct stat status {};
+  EXPECT_EQ(lstat(lister_file, &status), 0);
+  return status;
+}
+
+TEST_F(Samplers, KeepAFileThatOnlyTheyCanWriteTo) {
+  write_mode(fs::perms{0644});
+  const ino_t kept = file_status().st_ino;
+  expect_the_thread();
+  EXPECT_EQ(file_status().st_ino, kept);
+}
+
 TEST_F(Samplers, ReplaceWhatWasPlantedInTheirFilesPlace) {
   std::ofstream{"/tmp/victim"} << "precious";
   const std::function<void()> plants[] = {
       [] { fs::create_symlink("/tmp/victim", lister_file); },
       [] { fs::create_hard_link("/tmp/victim", lister_file); },
       [] { mkfifo(lister_file, S_IRWXU); },
-      [] { fs::create_directory(lister_file); },
+      [] { write_mode(fs::perms{0620}); },
+      [] { write_mode(fs::perms{0602}); },
+      [] {
+        write_mode(fs::perms{0600});
+        [[maybe_unused]] const int refused = chown(lister_file, 1, 1);  // to an ordinary user
+      },
   };
   for (const auto& plant : plants) {
     fs::remove(lister_file);
     plant();
     expect_the_thread();
+    EXPECT_EQ(file_status().st_mode, S_IFREG | S_IRUSR | S_IWUSR);
+    EXPECT_EQ(file_status().st_uid, geteuid());
   }
   EXPECT_EQ(fs::file_size("/tmp/victim"), 8U);
-  EXPECT_EQ(fs::status(lister_file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
-TEST_F(Samplers, LeaveTmpAloneWhereTheyCannotHaveAFileOfTheirOwn) {
-  fs::create_directories("/tmp/stackmon/full");
+TEST_F(Samplers, FindNothingWhereTheyCannotHaveAFile) {
+  testing::internal::CaptureStderr();  // the shell complains
+  fs::create_directory(lister_file);
   expect_nothing();
-  EXPECT_TRUE(fs::exists("/tmp/stackmon/full"));
-  fs::remove_all(lister_file);
-  std::ofstream{"/tmp/victim"} << "1 7 0.0 bef01234 worker S\n";
-  std::ofstream{lister_file} << "";
+  EXPECT_TRUE(fs::is_directory(lister_file));
   {
-    const mounted cannot_be_removed{"/tmp/victim", lister_file};
+    const mounted read_only{orv_test::memory_files{"", MS_RDONLY}, "/tmp"};
     expect_nothing();
-    EXPECT_EQ(fs::file_size("/tmp/victim"), 26U);
   }
-  const mounted read_only{orv_test::memory_files{"", MS_RDONLY}, "/tmp"};
-  expect_nothing();
+  testing::internal::GetCapturedStderr();
 }
 
 TEST_F(Samplers, FindNothingWhenTheirFileIsTakenAway) {

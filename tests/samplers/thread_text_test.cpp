@@ -25,9 +25,11 @@ TEST(ThreadLine, IsTakenApartAtBlanks) {
       {"12 34 0.5 BEF01234 worker S", "12/34/bef01234/12/34/0.5/worker/S"},
       {"1 2 0.0 1 two words S\n", "1/2/1/1/2/0.0/two/words"},
       {"1 2 0.0 1 a,$,b S l more\n", "1/2/1/1/2/0.0/a,$,b/S"},
+      {"1 2 0.0 1                 S\n", "1/2/1/1/2/0.0//S\n"},  // the name is empty or blank
       {"00000000000012 034 0.0 1 a S\n", "12/34/1/00000000000012/034/0.0/a/S\n"},
       {"2147483647 1 0.0 1 psx S\n", "2147483647/1/1/2147483647/1/0.0/psx/S\n"},
       // Cut to their sizes.
+      {"000000000000000000012 2 0.0 1 a S\n", "12/2/1/00000000000000000/2/0.0/a/S\n"},
       {"1 2 123456.89 0123456789abcdef1 thirty-one-characters-are-kept-and-no-more Sleeping\n",
        "1/2/789abcde/1/2/123456./thirty-one-characters-are-kept-/Sleepin"},
   };
@@ -58,7 +60,11 @@ TEST(ThreadLine, IsNoThreadsWhenItDoesNotQualify) {
            "1 99999999999999999999999999999999999999 0.0 1 a S\n",
            "1 2 0.0 1 cut-in-the-na",
            "1 2 0.0 bef",
-           "1 2 0.0 1      S\n",
+           "000000000000000000002147483648 1 0.0 1 a S\n",
+           "1 2 0.0 1      S",
+           "1 2 0.0 1      Sl\n",
+           "1 2 0.0 1      5\n",
+           "1 2 0.0 S\n",
        }) {
     EXPECT_EQ(shown(orv::parse_thread(line)), "none") << line;
   }
@@ -69,11 +75,14 @@ TEST(StackRange, HasTwoAddressesOfEightDigits) {
   ASSERT_TRUE(range);
   EXPECT_EQ(range->start, 0xbee00000U);
   EXPECT_EQ(range->end, 0xbee21000U);
-  EXPECT_TRUE(orv::parse_stack_range("00010000-00020000"));
+  for (const char* line :
+       {"00010000-00020000", "00010000-0002FFFF\tr", "00010000-00020000-", "00010000-00020000g"}) {
+    EXPECT_TRUE(orv::parse_stack_range(line)) << line;
+  }
   for (const char* line :
        {"", "\n", "bee00000", "bee00000-", "bee00000 bee21000\n", "bee00000-bee2100\n",
-        "bee00000-bee210000\n", "7ffd1c2e4000-7ffd1c305000\n", "0xe00000-bee21000\n",
-        "cat: /proc/1/task/1/maps: No such file or directory\n"}) {
+        "bee00000-bee21000F", "bee00000-bee210000\n", "7ffd1c2e4000-7ffd1c305000\n",
+        "0xe00000-bee21000\n", "cat: /proc/1/task/1/maps: No such file or directory\n"}) {
     EXPECT_FALSE(orv::parse_stack_range(line)) << line;
   }
 }

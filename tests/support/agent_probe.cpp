@@ -21,6 +21,7 @@ std::mutex log_guard;
 std::vector<log_record> records;
 std::vector<std::string> writes;
 std::map<std::pair<fault, std::string>, int> faults;
+std::string emptied_key;
 
 const int* find_fault(fault kind, const char* key) {
   const auto found = faults.find({kind, key});
@@ -74,11 +75,16 @@ void fail(fault kind, const std::string& key, int result) {
   faults[{kind, key}] = result;
 }
 
+void empty_after_read(const std::string& key) {
+  emptied_key = key;
+}
+
 void AgentTest::SetUp() {
   std::filesystem::remove_all(std::filesystem::path{getenv("ORV_PLATFORM_ROOT")} / "memory");
   while (g_main_context_iteration(nullptr, FALSE) != FALSE) {
   }
   faults.clear();
+  emptied_key.clear();
   take_log();
   take_writes();
 }
@@ -103,7 +109,15 @@ int __wrap_vconf_get_int(const char* key, int* value) {
 }
 
 char* __wrap_vconf_get_str(const char* key) {
-  return orv_test::find_fault(fault::read, key) != nullptr ? nullptr : __real_vconf_get_str(key);
+  if (orv_test::find_fault(fault::read, key) != nullptr) {
+    return nullptr;
+  }
+  char* const text = __real_vconf_get_str(key);
+  if (orv_test::emptied_key == key) {
+    orv_test::emptied_key.clear();
+    __real_vconf_set_str(key, "");
+  }
+  return text;
 }
 
 int __wrap_vconf_set_int(const char* key, int value) {

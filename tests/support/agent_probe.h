@@ -44,6 +44,9 @@ enum class fault { read, notify };
 // From now on the agent's calls of this kind for this key answer with `result` (a text: null).
 void fail(fault kind, const std::string& key, int result = -1);
 
+// Another process empties this text right after the agent has next read it.
+void empty_after_read(const std::string& key);
+
 // Values of the store, read and written past the probe. A missing text is "(none)".
 std::string text_at(const char* key);
 int int_at(const char* key);
