@@ -19,7 +19,7 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 set(platform "orv-camera-sim | orv-platform")
 
-set(CPACK_COMPONENTS_ALL agent agent-dev tools camera-sim)
+set(CPACK_COMPONENTS_ALL agent agent-dev client client-dev tools camera-sim)
 
 set(CPACK_DEBIAN_AGENT_PACKAGE_NAME liborv-agent)
 set(CPACK_DEBIAN_AGENT_PACKAGE_SECTION libs)
@@ -43,7 +43,24 @@ set(CPACK_COMPONENT_AGENT-DEV_DESCRIPTION "on-device test agent for an embedded 
 What a host process of its own is built with: the agent's C headers, and how to
 find the library with pkg-config (orv-agent) or CMake (orv::agent).")
 
+set(CPACK_DEBIAN_CLIENT_PACKAGE_NAME liborv-client)
+set(CPACK_DEBIAN_CLIENT_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_CLIENT_PACKAGE_RECOMMENDS ${platform})
+set(CPACK_COMPONENT_CLIENT_DESCRIPTION "client library for a camera's on-device test agent
+A program drives a camera through this library: it injects keys and touches,
+asks for the target's figures and watches its monitors. The library finds the
+camera through the platform's key-value store, and loads the camera's own store
+library or that of orv-camera-sim, whichever is there.")
+
+set(CPACK_DEBIAN_CLIENT-DEV_PACKAGE_NAME liborv-client-dev)
+set(CPACK_DEBIAN_CLIENT-DEV_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_CLIENT-DEV_PACKAGE_DEPENDS "liborv-client (= ${PROJECT_VERSION})")
+set(CPACK_COMPONENT_CLIENT-DEV_DESCRIPTION "client library for a camera's on-device test agent - development
+What a test program is built with: the library's header for C and that for C++,
+and how to find the library with pkg-config (orv-client) or CMake (orv::client).")
+
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME orv-tools)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS "liborv-client (= ${PROJECT_VERSION})")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_RECOMMENDS ${platform}) # the log's reader, for orvctl log
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SUGGESTS liborv-agent)

@@ -1,8 +1,5 @@
 #include "command_line.h"
 
-#include <platform_root.h>
-#include <stdlib.h>
-
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iterator>
@@ -13,26 +10,25 @@
 namespace orvctl {
 namespace {
 
-struct subcommand {
+struct subcommand_row {
   std::string_view name;
-  void (*add)(CLI::App& app, context& shared);
+  void (*add)(const subcommand& program, context& shared);
 };
 
-constexpr subcommand subcommands[] = {
+constexpr subcommand_row subcommands[] = {
     {"target", add_target},   {"heap", add_heap},   {"stack", add_stack},
     {"key", add_key},         {"touch", add_touch}, {"swipe", add_swipe},
     {"monitor", add_monitor}, {"send", add_send},   {"log", add_log},
 };
 
-// Where one stands among the words, none of those that do not can have been meant; but help tells
-// of all.
-bool may_be_meant(const subcommand& one, std::span<char* const> words) {
+// If any subcommand is among the words, none that is not can have been meant. Help lists all.
+bool may_be_meant(const subcommand_row& one, std::span<char* const> words) {
   const auto has = [words](std::string_view word) {
     return std::find(words.begin(), words.end(), word) != words.end();
   };
-  const auto stands = [has](const subcommand& other) { return has(other.name); };
-  return stands(one) || has("--help") || has("-h") ||
-         std::none_of(std::begin(subcommands), std::end(subcommands), stands);
+  const auto is_there = [has](const subcommand_row& other) { return has(other.name); };
+  return is_there(one) || has("--help") || has("-h") ||
+         std::none_of(std::begin(subcommands), std::end(subcommands), is_there);
 }
 
 constexpr char footer[] =
@@ -40,7 +36,8 @@ constexpr char footer[] =
     "  0 the agent answered with success, 1 it answered with failure,\n"
     "  2 wrong usage or store, 3 no answer in time.\n\n"
     "Environment:\n"
-    "  ORV_PLATFORM_ROOT names the store's directory; --store goes before it.\n\n"
+    "  ORV_CAMERA is the camera's address; --camera and --store go before it.\n"
+    "  ORV_PLATFORM_ROOT names the store's directory where no address is given.\n\n"
     "Examples:\n"
     "  orvctl target\n"
     "  orvctl key tap KEY_MENU\n"
@@ -63,12 +60,32 @@ class usage_formatter : public CLI::Formatter {
   }
 };
 
+void add_camera(CLI::App& app, context& shared) {
+  const auto take_address = [&shared](const std::string& address) { shared.address = address; };
+  const auto take_store = [&shared](const std::string& directory) {
+    if (!directory.empty()) {
+      shared.address = "store:" + directory;
+    }
+  };
+  CLI::Option* store =
+      app.add_option_function<std::string>(
+             "--store", take_store,
+             "Directory of the platform's store (default: the one that ORV_PLATFORM_ROOT names, or "
+             "the camera's own); the same as --camera store:DIR")
+          ->type_name("DIR");
+  app.add_option_function<std::string>("-c,--camera", take_address,
+                                       "The camera, as in store:DIR (default: what ORV_CAMERA "
+                                       "says, or the store)")
+      ->type_name("ADDRESS")
+      ->excludes(store);
+}
+
 }  // namespace
 
-void describe_program(CLI::App& app, context& shared, std::span<char* const> words) {
+void describe_program(CLI::App& app, context& shared, job& chosen, std::span<char* const> words) {
   app.name("orvctl")->description("Drive a camera's test agent.");
   app.formatter(std::make_shared<usage_formatter>());
-  app.require_subcommand(0, 1);  // so that a wrong name is told as such
+  app.require_subcommand(0, 1);  // so that a wrong name is reported as such
   app.final_callback([&app] {
     if (app.get_subcommands().empty()) {
       throw CLI::RequiredError("A subcommand");
@@ -77,36 +94,30 @@ void describe_program(CLI::App& app, context& shared, std::span<char* const> wor
   app.failure_message(one_line);
   app.add_option("--timeout", shared.timeout_s, "Seconds to wait for an answer")
       ->check(CLI::Range(0.001, 86400.0))
-      ->capture_default_str();
-  app.add_option("--store", shared.store,
-                 "Directory of the platform's store (default: the one that ORV_PLATFORM_ROOT "
-                 "names, or the user's own)")
-      ->type_name("DIR");
+      ->default_str("5");
+  add_camera(app, shared);
   app.fallthrough();
-  app.parse_complete_callback([&shared] {
-    if (shared.store.empty()) {
-      shared.store = platform::root_path();
-    }
-    setenv("ORV_PLATFORM_ROOT", shared.store.c_str(), 1);
-  });
-  for (const subcommand& one : subcommands) {
+  const subcommand program{app, chosen};
+  for (const subcommand_row& one : subcommands) {
     if (may_be_meant(one, words)) {
-      one.add(app, shared);
+      one.add(program, shared);
     }
   }
-  app.footer(footer);  // last: subcommands take over the one that stands when they are added
+  app.footer(footer);  // last: a subcommand takes over the footer that is there when it is added
 }
 
 int run_program(std::span<char* const> words) {
   CLI::App app;
   context shared;
-  describe_program(app, shared, words);
+  job chosen;
+  describe_program(app, shared, chosen, words);
   try {
     app.parse(static_cast<int>(words.size()), words.data());
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? status_success : status_usage;
+    const bool helped = app.exit(error) == 0;
+    return static_cast<int>(helped ? exit_status::success : exit_status::usage);
   }
-  return shared.status;
+  return static_cast<int>(chosen());
 }
 
 }  // namespace orvctl

@@ -4,17 +4,14 @@
 
 #include <span>
 
-#include "context.h"
-
-namespace CLI {
-class App;
-}
+#include "options.h"
 
 namespace orvctl {
 
-// Parsing `app` fills `shared` and runs the subcommand that was given. Of the subcommands those are
+// Parsing `app` fills `shared` and chooses what is to be done. Of the subcommands those are
 // described that the words can mean: a description costs more than most commands.
-void describe_program(CLI::App& app, context& shared, std::span<char* const> words = {});
+void describe_program(CLI::App& app, context& shared, job& chosen,
+                      std::span<char* const> words = {});
 
 // Parses the words, of which the first is the program's name, and runs the subcommand. The exit
 // status.

@@ -1,12 +1,9 @@
 #include "watch_summary.h"
 
-#include <stdio.h>
-
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "memory_size.h"
-#include "printable.h"
+#include "text.h"
 
 namespace orvctl {
 namespace {
@@ -29,8 +26,9 @@ std::string first_lines(const List& list, Line line) {
 }
 
 template <class Value, class Greater>
-std::vector<std::pair<int, Value>> sorted(const std::map<int, Value>& threads, Greater greater) {
-  std::vector<std::pair<int, Value>> list{threads.begin(), threads.end()};
+std::vector<std::pair<int32_t, Value>> sorted(const std::map<int32_t, Value>& threads,
+                                              Greater greater) {
+  std::vector<std::pair<int32_t, Value>> list{threads.begin(), threads.end()};
   std::stable_sort(list.begin(), list.end(), [&greater](const auto& one, const auto& other) {
     return greater(one.second, other.second);
   });
@@ -39,35 +37,49 @@ std::vector<std::pair<int, Value>> sorted(const std::map<int, Value>& threads, G
 
 }  // namespace
 
-void watch_summary::add(const packet_item& item) {
+void watch_summary::add(const orv_item& item) {
   ++items_;
-  std::visit([this](const auto& one) { count(one); }, item);
-}
-
-void watch_summary::count(const cpu_item& item) {
-  ++running_[item.thread];
-}
-
-void watch_summary::count(const heap_item& item) {
-  ++heap_items_;
-  free_sum_ += item.free;
-  least_free_ = std::min(least_free_, item.free);
-}
-
-void watch_summary::count(const stack_item& item) {
-  for (const stack_sample& one : item.threads) {
-    const auto used = used_bytes(one);
-    if (used && *used >= largest_use_[one.thread].used_bytes) {
-      largest_use_[one.thread] = {*used, one.end - one.start};
-    }
+  if (item.monitor == ORV_MONITOR_CPU) {
+    add_running(item.tid, item.name);
+  } else if (item.monitor == ORV_MONITOR_HEAP) {
+    add_free(item.free_bytes);
+  }
+  for (const orv_stack_sample& one : std::span{item.stacks, item.stack_count}) {
+    add_stack(one);
   }
 }
 
-std::vector<std::pair<int, uint64_t>> watch_summary::by_running() const {
+void watch_summary::add_running(int32_t thread, const char* name) {
+  ++running_[thread];
+  set_name(thread, name);
+}
+
+void watch_summary::add_free(uint32_t free_bytes) {
+  ++heap_items_;
+  free_sum_ += free_bytes;
+  least_free_ = std::min(least_free_, free_bytes);
+}
+
+void watch_summary::add_stack(const orv_stack_sample& stack) {
+  const auto used = used_bytes(stack);
+  if (used && *used >= largest_use_[stack.tid].used_bytes) {
+    largest_use_[stack.tid] = {*used, stack.end - stack.start};
+  }
+  set_name(stack.tid, stack.name);
+}
+
+// A name is learned some time after its thread is seen first.
+void watch_summary::set_name(int32_t thread, const char* name) {
+  if (*name != '\0') {
+    names_[thread] = name;
+  }
+}
+
+std::vector<std::pair<int32_t, uint64_t>> watch_summary::by_running() const {
   return sorted(running_, std::greater<>{});
 }
 
-std::vector<std::pair<int, watch_summary::stack_use>> watch_summary::by_stack_use() const {
+std::vector<std::pair<int32_t, watch_summary::stack_use>> watch_summary::by_stack_use() const {
   return sorted(largest_use_, [](const stack_use& one, const stack_use& other) {
     return one.used_bytes > other.used_bytes;
   });
@@ -77,16 +89,14 @@ uint32_t watch_summary::mean_free() const {
   return static_cast<uint32_t>(free_sum_ / heap_items_);
 }
 
-std::string watch_summary::name_of(int thread) const {
+std::string watch_summary::name_of(int32_t thread) const {
   const auto named = names_.find(thread);
   return named != names_.end() ? named->second : "";
 }
 
 std::string watch_summary::to_lines() const {
-  const auto titled = [this](int thread, const std::string& told) {
-    char title[64];
-    snprintf(title, sizeof title, "%7d  %-15s  ", thread, printable(name_of(thread)).c_str());
-    return title + told;
+  const auto titled = [this](int32_t thread, const std::string& told) {
+    return format("%7d  %-15s  ", thread, printable(name_of(thread)).c_str()) + told;
   };
   std::string text = std::to_string(items_) + " items\n";
   if (!running_.empty()) {
@@ -125,9 +135,7 @@ std::string watch_summary::to_json() const {
     summary["free_bytes"] = {{"least", least_free_}, {"mean", mean_free()}};
   }
   summary["stack_use"] = std::move(stacks);
-  return ordered_json{{"summary", std::move(summary)}}.dump(
-             -1, ' ', false, ordered_json::error_handler_t::replace) +
-         "\n";
+  return json_text({{"summary", std::move(summary)}});
 }
 
 }  // namespace orvctl

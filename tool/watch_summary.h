@@ -7,18 +7,15 @@
 #include <string>
 #include <vector>
 
-#include "packet_items.h"
+#include "monitor_kinds.h"
 
 namespace orvctl {
 
 class watch_summary {
  public:
-  void add(const packet_item& item);
-  // For threads that are told; one without a name is told by its id alone.
-  void set_names(std::map<int, std::string> names) { names_ = std::move(names); }
+  void add(const orv_item& item);
 
   [[nodiscard]] uint64_t items() const { return items_; }
-  [[nodiscard]] bool tells_threads() const { return !running_.empty() || !largest_use_.empty(); }
   // Several lines to read, or one JSON object on one line.
   [[nodiscard]] std::string to_lines() const;
   [[nodiscard]] std::string to_json() const;
@@ -29,23 +26,24 @@ class watch_summary {
     uint32_t size_bytes;
   };
 
-  void count(const cpu_item& item);
-  void count(const heap_item& item);
-  void count(const stack_item& item);
+  void add_running(int32_t thread, const char* name);
+  void add_free(uint32_t free_bytes);
+  void add_stack(const orv_stack_sample& stack);
 
   // Threads by id, the busiest first; the most used stack first.
-  [[nodiscard]] std::vector<std::pair<int, uint64_t>> by_running() const;
-  [[nodiscard]] std::vector<std::pair<int, stack_use>> by_stack_use() const;
+  [[nodiscard]] std::vector<std::pair<int32_t, uint64_t>> by_running() const;
+  [[nodiscard]] std::vector<std::pair<int32_t, stack_use>> by_stack_use() const;
   [[nodiscard]] uint32_t mean_free() const;
-  [[nodiscard]] std::string name_of(int thread) const;
+  void set_name(int32_t thread, const char* name);
+  [[nodiscard]] std::string name_of(int32_t thread) const;
 
   uint64_t items_ = 0;
-  std::map<int, uint64_t> running_;
+  std::map<int32_t, uint64_t> running_;
   uint64_t heap_items_ = 0;
   uint64_t free_sum_ = 0;
   uint32_t least_free_ = UINT32_MAX;
-  std::map<int, stack_use> largest_use_;
-  std::map<int, std::string> names_;
+  std::map<int32_t, stack_use> largest_use_;
+  std::map<int32_t, std::string> names_;  // of a thread without one, the id is all that is shown
 };
 
 }  // namespace orvctl

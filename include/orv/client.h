@@ -60,13 +60,15 @@ typedef enum orv_why {
   ORV_WHY_NO_CAMERA,      /* the store is missing, or no agent has been started on it */
   ORV_WHY_STORE_REFUSED,  /* the directory is another user's or open to others */
   ORV_WHY_STORE_FAILED,   /* the store cannot be written or watched */
-  ORV_WHY_BUSY,           /* other programs had their turns until the deadline */
+  ORV_WHY_BUSY,           /* others had their turns until the deadline */
   ORV_WHY_WATCHED,        /* another watch has the monitors */
   ORV_WHY_IN_CALLBACK,    /* a waiting call within a callback */
   ORV_WHY_CLOSED,         /* the camera was closed; also with ORV_MAY_HAVE_RUN */
-  ORV_WHY_NO_MEMORY,
+  ORV_WHY_NO_LOG,         /* the platform's log reader cannot be run */
+  ORV_WHY_NO_MEMORY,      /* also with ORV_MAY_HAVE_RUN */
   /* ORV_MAY_HAVE_RUN */
-  ORV_WHY_NO_ANSWER,   /* none came before the deadline */
+  ORV_WHY_NO_ANSWER, /* none came before the deadline; with ORV_NOT_RUN, none to the query that had
+                        to come first, since an earlier command was unanswered */
   ORV_WHY_OVERWRITTEN, /* a monitor's tick replaced the answer before it was read */
   /* ORV_RAN */
   ORV_WHY_BAD_ANSWER /* the text is not what this query answers; identity, memory, threads are null
@@ -131,8 +133,8 @@ ORV_CLIENT_API const char* orv_default_address(void);
 ORV_CLIENT_API orv_camera* orv_camera_open(const char* address, orv_reply** failure);
 
 /* Ends what is in flight: each request gets its reply (ORV_WHY_CLOSED), each watch and log its last
- * event, before this returns; within a callback of the same camera, right after it. Null is
- * ignored. */
+ * event, before this returns; within a callback of the same camera, right after it. Monitors of a
+ * watch that is ended so go on: stop a watch and await its end first. Null is ignored. */
 ORV_CLIENT_API void orv_camera_close(orv_camera* camera);
 
 /* ---- Requests ---- */
@@ -171,9 +173,9 @@ ORV_CLIENT_API orv_request orv_monitor_stop_request(int32_t monitor);
 /* Whether the camera application is well: result 0 or -1. Starts and stops nothing. */
 ORV_CLIENT_API orv_request orv_health_request(void);
 
-/* Sends the request. `on_reply`, which may be null, is called exactly once, at the latest at the
- * deadline, `timeout_ms` (1 or more) from now, and never before this returns. The time to wait for
- * a turn is part of it. */
+/* Sends the request; a camera's requests run in the order in which they were sent. `on_reply`,
+ * which may be null, is called exactly once, at the latest at the deadline, `timeout_ms` (1 or
+ * more) from now, and never before this returns. The time to wait for a turn is part of it. */
 ORV_CLIENT_API void orv_send(orv_camera* camera, const orv_request* request, uint32_t timeout_ms,
                              orv_reply_fn on_reply, void* user_data);
 
@@ -189,13 +191,24 @@ typedef struct orv_watch_options {
   uint32_t timeout_ms;      /* of each command that the watch sends; 0 for 5000, and for 30000 when
                                stacks are watched or threads named */
   int name_threads;         /* not 0: ask for the threads' names first and, when unknown threads are
-                               seen, again; takes the target as long as a threads request */
+                               seen, again; takes the target as long as a threads request, and is
+                               given 30000 at least */
 } orv_watch_options;
+
+/* What a thread was doing; 0 is any other. */
+enum {
+  ORV_THREAD_SLEEPING = 2,
+  ORV_THREAD_WAITING = 6, /* and not to be interrupted */
+  ORV_THREAD_STOPPED = 8,
+  ORV_THREAD_RUNNING = 9,
+  ORV_THREAD_PAGING = 16,
+  ORV_THREAD_ZOMBIE = 17
+};
 
 typedef struct orv_stack_sample {
   int32_t tid;
   const char* name; /* empty when it is not known */
-  int32_t state;    /* ORV_STATE_* of orv/protocol.h; 0 for any other */
+  int32_t state;    /* ORV_THREAD_* */
   uint32_t pointer; /* low 32 bits, as start and end */
   uint32_t start;
   uint32_t end;
@@ -237,18 +250,19 @@ typedef void (*orv_watch_fn)(orv_watch* watch, const orv_watch_event* event, voi
 
 /* Watches monitors without losing an item: stops those that run, starts the wanted ones, reports
  * each item once and in order, and keeps the packet from filling up. Meanwhile no other program can
- * start or stop a monitor, and another's query waits for a tick of the slowest one. Ends with
+ * start or stop a monitor, and a query waits for a tick of the slowest one. Ends with
  * ORV_WATCH_ENDED, exactly once, after orv_watch_stop or a failure; `watch` is then gone. Null only
  * when there is no memory. The first event comes after this returns. */
 ORV_CLIENT_API orv_watch* orv_watch_start(orv_camera* camera, const orv_watch_options* options,
                                           orv_watch_fn on_event, void* user_data);
 
 /* Begins the end of a watch: the monitors are stopped, the items that they wrote last are reported,
- * then comes ORV_WATCH_ENDED. Any number of times before that, also within its callback. */
+ * then comes ORV_WATCH_ENDED. Any number of times before that, also within its callback. Of a watch
+ * that had sent no command yet the reply is ORV_NOT_RUN with ORV_WHY_NONE. */
 ORV_CLIENT_API void orv_watch_stop(orv_watch* watch);
 
-/* Watches for so long (0: until orv_watch_stop, from the callback) and waits for the end. The reply
- * of ORV_WATCH_ENDED, to be freed. */
+/* Watches for so long from ORV_WATCH_STARTED on (0: until orv_watch_stop, from the callback) and
+ * waits for the end. The reply of ORV_WATCH_ENDED, to be freed. */
 ORV_CLIENT_API orv_reply* orv_watch_for(orv_camera* camera, const orv_watch_options* options,
                                         uint64_t duration_ms, orv_watch_fn on_event,
                                         void* user_data);

@@ -3,8 +3,10 @@
 
 #include <stdio.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -12,19 +14,20 @@
 #include "host/command_line.h"
 #include "print.h"
 #include "tool/command_line.h"
-#include "tool/key_names.h"
 
 namespace {
 
 reference::command describe_tool() {
   CLI::App app;
   orvctl::context shared;
-  orvctl::describe_program(app, shared);
+  orvctl::job chosen;
+  orvctl::describe_program(app, shared, chosen);
   reference::command described = reference::read(app);
   std::vector<std::string> keys;
-  for (const orvctl::key_name& key : orvctl::all_keys()) {
-    keys.emplace_back(key.name);
-  }
+  size_t count = 0;
+  const orv_key* const known = orv_keys(&count);
+  std::transform(known, known + count, std::back_inserter(keys),
+                 [](const orv_key& key) { return key.name; });
   reference::set_choices(described, "KEY", keys);
   return described;
 }

@@ -15,3 +15,11 @@ for header in "$SOURCE"/include/orv/*.h; do
   all+=$line
 done
 compile "$all$not_empty"
+# That of C++ takes an older language than ours.
+"$CXX" -std=c++17 "${flags[@]}" -x c++ - <<<$'#include <orv/client.hpp>\n#include <orv/protocol.h>' ||
+  fail 'client.hpp is not valid C++17'
+for header in client.h client.hpp; do
+  expect "headers of this project in $header" "${others:-}" \
+    "$(sed -n 's/^#include <orv\/\(.*\)>$/\1/p' "$SOURCE/include/orv/$header")"
+  others=client.h
+done

@@ -7,7 +7,7 @@ fi
 "${CMAKE%cmake}cpack" --config "$BUILD/CPackConfig.cmake" -B packages >cpack.log 2>&1 ||
   fail "$(tail -n 5 cpack.log)"
 names=$(for package in packages/*.deb; do dpkg-deb -f "$package" Package; done)
-expect 'packages' $'liborv-agent\nliborv-agent-dev\norv-camera-sim\norv-tools' "$(sort <<<"$names")"
+expect 'packages' $'liborv-agent\nliborv-agent-dev\nliborv-client\nliborv-client-dev\norv-camera-sim\norv-tools' "$(sort <<<"$names")"
 
 version=$(dpkg-deb -f packages/liborv-agent_*.deb Version)
 needs() {
@@ -16,15 +16,18 @@ needs() {
 contains() {
   [[ ", $2, " == *", $3, "* ]] || fail "$1 does not depend on $3: $2"
 }
-for package in liborv-agent orv-tools orv-camera-sim; do
+for package in liborv-agent liborv-client orv-tools orv-camera-sim; do
   contains $package "$(needs $package)" libglib2.0-0
 done
 contains orv-camera-sim "$(needs orv-camera-sim)" bubblewrap
 contains orv-camera-sim "$(needs orv-camera-sim)" xvfb
-contains liborv-agent-dev "$(dpkg-deb -f packages/liborv-agent-dev_*.deb Depends)" \
-  "liborv-agent (= $version)"
+for user in liborv-agent-dev/liborv-agent liborv-client-dev/liborv-client orv-tools/liborv-client; do
+  contains "${user%/*}" "$(dpkg-deb -f packages/"${user%/*}"_*.deb Depends)" "${user#*/} (= $version)"
+done
 # A camera has the platform's libraries without this package.
-[[ $(needs liborv-agent) != *orv-camera-sim* ]] || fail 'the agent insists on the simulated camera'
+for package in liborv-agent liborv-client; do
+  [[ $(needs $package) != *orv-camera-sim* ]] || fail "$package insists on the simulated camera"
+done
 
 # No file comes twice, each package holds what it is for.
 for package in packages/*.deb; do
@@ -43,6 +46,10 @@ holds liborv-agent usr/bin/orv-host usr/lib/systemd/system/orv-host.service \
   usr/share/man/man8/orv-host.8.gz "usr/$LIBDIR/liborv-agent.so.0"
 holds liborv-agent-dev "usr/$LIBDIR/liborv-agent.so" "usr/$LIBDIR/pkgconfig/orv-agent.pc" \
   usr/include/orv/agent.h
+holds liborv-client "usr/$LIBDIR/liborv-client.so.0"
+holds liborv-client-dev "usr/$LIBDIR/liborv-client.so" "usr/$LIBDIR/pkgconfig/orv-client.pc" \
+  usr/include/orv/client.h usr/include/orv/client.hpp \
+  "usr/$LIBDIR/cmake/orv-client/orv-client-config.cmake"
 holds orv-tools usr/bin/orvctl usr/share/man/man1/orvctl.1.gz \
   usr/share/bash-completion/completions/orvctl usr/share/zsh/vendor-completions/_orvctl
 holds orv-camera-sim usr/bin/orv-camera usr/bin/dlogutil usr/bin/lumen-ui-host \
@@ -73,7 +80,7 @@ if type -P systemd-analyze >/dev/null; then
 fi
 
 # A copy of the build tree's run path would find the build tree's libraries.
-for program in tree/usr/bin/orv-host tree/usr/bin/orvctl "tree/usr/$LIBDIR/liborv-agent.so.0"; do
+for program in tree/usr/bin/orv-host tree/usr/bin/orvctl "tree/usr/$LIBDIR/"liborv-{agent,client}.so.0; do
   ! readelf -d "$program" | grep -qF "$BUILD" || fail "$program looks into the build tree"
 done
 # The demonstration's story, from the unpacked files alone.

@@ -39,7 +39,11 @@ emulate() {
 }
 
 compile_c() {
-  "$CC" ${SYSROOT:+--sysroot="$SYSROOT"} -Wall -Wextra -Werror "$@"
+  "$CC" ${SYSROOT:+--sysroot="$SYSROOT"} -std=c11 -Wall -Wextra -Werror "$@"
+}
+
+compile_cpp() {
+  "$CXX" ${SYSROOT:+--sysroot="$SYSROOT"} -std=c++17 -Wall -Wextra -Werror "$@"
 }
 
 glib_flags() {

@@ -4,7 +4,7 @@
 #include <sstream>
 #include <vector>
 
-#include "packet_items.h"
+#include "store/packet_items.h"
 
 namespace orv_test {
 namespace {
@@ -24,7 +24,7 @@ std::string packet_fault(const std::string& packet) {
   if (packet.size() > most_characters || !packet.starts_with(header)) {
     return std::to_string(packet.size()) + " characters that do not begin with " + header;
   }
-  return orvctl::parse_items(packet.substr(header.size())) ? "" : "what is no item";
+  return orv_client::store::parse_items(packet.substr(header.size())) ? "" : "what is no item";
 }
 
 std::string without_times(const std::string& packet) {

@@ -2,97 +2,78 @@
 
 #include <nlohmann/json.hpp>
 #include <string>
+#include <vector>
 
-#include "item_text.h"
-#include "numbers.h"
-#include "packet_follower.h"
+#include "monitor_kinds.h"
+#include "stacks.h"
 #include "watch_summary.h"
 
 namespace {
 
-using orvctl::packet_follower;
-using orvctl::packet_item;
 using testing::ElementsAre;
+using stack_samples = std::vector<orv_stack_sample>;
 
-// As they are told, so that a case can be read.
-std::vector<std::string> told(const std::vector<packet_item>& items) {
-  std::vector<std::string> rows;
-  for (const packet_item& item : items) {
-    rows.push_back(to_csv(item));
-  }
-  return rows;
+orv_item item_of(int32_t monitor, uint32_t tick_ms) {
+  orv_item item{};
+  item.monitor = monitor;
+  item.tick_ms = tick_ms;
+  item.name = "";
+  return item;
 }
 
-TEST(PacketItems, AreTakenWithTheirSigns) {
-  const auto items = orvctl::parse_items(
-      "16,1,-5,77,$,28,2,2147483647,1,1,-1024,0,$,56,3,7,2,5,2,3202482176,3202486272,3202351104,$,"
-      "6,9,1,0,0,$,16,3,8,0,");
-  ASSERT_TRUE(items);
-  EXPECT_THAT(
-      told(*items),
-      ElementsAre("4294967291,cpu,77,running,,,,,,\n", "2147483647,heap,,,,,,,4294966272,0\n",
-                  "7,stack,5,sleeping,3202482176,3202486272,3202351104,4096,,\n"
-                  "7,stack,6,running,1,0,0,,,\n",
-                  ""));
-  EXPECT_TRUE(orvctl::parse_items("").has_value());
+orv_item cpu(uint32_t tick_ms, int32_t tid) {
+  orv_item item = item_of(ORV_MONITOR_CPU, tick_ms);
+  item.tid = tid;
+  return item;
 }
 
-TEST(PacketItems, AreWholeOrNone) {
-  for (const char* text :
-       {"x", "16", "16,", "16,1,", "16,1,5,77,", "16,1,5,77,$", "16,1,5,77,x,", "16,1,5,,$,",
-        "16,1,5,7 7,$,", "20,1,5,77,$,", "16,4,5,77,$,", "28,2,5,1,2,3,0,$,", "28,2,5,1,1,3,$,",
-        "28,2,5,1,1,4294967296,0,$,", "36,3,7,2,5,2,1,2,3,$,", "36,3,7,1,5,2,-1,2,3,$,",
-        "-4,3,7,-1,", "2147483647,3,7,2147483647,", "16,1,5,77,$,,"}) {
-    EXPECT_FALSE(orvctl::parse_items(text)) << text;
-  }
+orv_item heap(uint32_t tick_ms, uint32_t free_bytes) {
+  orv_item item = item_of(ORV_MONITOR_HEAP, tick_ms);
+  item.free_bytes = free_bytes;
+  return item;
 }
 
-TEST(PacketFollower, TakesEachItemOnce) {
-  packet_follower follower;
-  const auto news = [&follower](const char* text) {
-    const auto found = follower.look(text);
-    EXPECT_FALSE(found.begun_anew || found.garbled) << text;
-    return told(found.items).size();
+orv_item stack(uint32_t tick_ms, const stack_samples& stacks) {
+  orv_item item = item_of(ORV_MONITOR_STACK, tick_ms);
+  item.stacks = stacks.data();
+  item.stack_count = stacks.size();
+  return item;
+}
+
+TEST(ItemText, IsALineOrAnObjectOrRows) {
+  const stack_samples stacks = {
+      {5, "", ORV_THREAD_SLEEPING, 3202482176, 3202351104, 3202486272},
+      {6, "", ORV_THREAD_RUNNING, 1, 0, 0},
   };
-  EXPECT_EQ(news(""), 0U);
-  EXPECT_EQ(news("848,8,"), 0U);
-  EXPECT_EQ(news("848,24,16,1,5,1,$,"), 1U);
-  EXPECT_EQ(news("848,24,16,1,5,1,$,"), 0U);
-  // The header grows with the total.
-  EXPECT_EQ(news("848,104,16,1,5,1,$,16,1,6,1,$,16,1,6,2,$,16,1,7,1,$,16,1,8,1,$,16,1,9,1,$,"), 5U);
-  follower.emptied();
-  EXPECT_EQ(news("CSC,Q7,someone's answer"), 0U);
-  EXPECT_EQ(news("848,24,16,1,5,1,$,"), 1U) << "the same text again, but a new packet";
-}
-
-TEST(PacketFollower, TellsWhenAPacketWasBegunAnew) {
-  for (const char* text : {"", "CSC,Q7", "848,8,", "848,24,16,1,6,1,$,"}) {
-    packet_follower follower;
-    follower.look("848,24,16,1,5,1,$,");
-    EXPECT_TRUE(follower.look(text).begun_anew) << text;
-    EXPECT_FALSE(follower.look(text).begun_anew) << "told twice: " << text;
-  }
-}
-
-TEST(PacketFollower, PassesOverWhatIsNoItem) {
-  packet_follower follower;
-  EXPECT_TRUE(follower.look("848,24,nonsense,").garbled);
-  const auto next = follower.look("848,40,nonsense,16,1,5,1,$,");
-  EXPECT_FALSE(next.garbled);
-  EXPECT_EQ(next.items.size(), 1U);
+  const orv_item runs = cpu(12345, 77);
+  const orv_item frees = heap(0, 2097152);
+  const orv_item uses = stack(7, stacks);
+  EXPECT_EQ(orvctl::to_line(runs), "    12.345 s  cpu    thread 77 runs\n");
+  EXPECT_EQ(orvctl::to_line(frees), "     0.000 s  heap   2.0 MiB free\n");
+  EXPECT_EQ(orvctl::to_line(uses),
+            "     0.007 s  stack  2 threads, most stack in use by 5: 4.0 KiB of 132.0 KiB\n");
+  EXPECT_EQ(orvctl::to_csv(cpu(4294967291, 77)), "4294967291,cpu,77,running,,,,,,\n");
+  EXPECT_EQ(orvctl::to_csv(frees), "0,heap,,,,,,,2097152,0\n");
+  EXPECT_EQ(orvctl::to_csv(uses),
+            "7,stack,5,sleeping,3202482176,3202486272,3202351104,4096,,\n"
+            "7,stack,6,running,1,0,0,,,\n");
+  EXPECT_EQ(orvctl::to_json(uses),
+            "{\"item\":\"stack\",\"tick_ms\":7,\"threads\":[{\"tid\":5,\"state\":\"sleeping\","
+            "\"pointer\":3202482176,\"end\":3202486272,\"start\":3202351104,\"used_bytes\":4096},"
+            "{\"tid\":6,\"state\":\"running\",\"pointer\":1,\"end\":0,\"start\":0,"
+            "\"used_bytes\":null}]}\n");
 }
 
 TEST(Summary, CountsAndRanks) {
+  const stack_samples first = {{7, "worker\033", 2, 3000, 1000, 4000},
+                               {9, "", 2, 5000, 1000, 4000}};
+  const stack_samples second = {{7, "", 2, 2000, 1000, 4000}, {8, "", 2, 3999, 1000, 4000}};
   orvctl::watch_summary summary;
-  const auto items = orvctl::parse_items(
-      "16,1,1,7,$,16,1,1,8,$,16,1,2,8,$,28,2,1,1,1,1024,0,$,28,2,2,1,1,-1024,0,$,"
-      "56,3,1,2,7,2,3000,4000,1000,$,9,2,5000,4000,1000,$,"
-      "56,3,2,2,7,2,2000,4000,1000,$,8,2,3999,4000,1000,$,");
-  ASSERT_TRUE(items);
-  for (const packet_item& item : *items) {
+  for (const orv_item& item :
+       {cpu(1, 7), cpu(1, 8), cpu(2, 8), heap(1, 1024), heap(2, static_cast<uint32_t>(-1024)),
+        stack(1, first), stack(2, second)}) {
     summary.add(item);
   }
-  summary.set_names({{7, "worker\033"}});
   EXPECT_EQ(summary.to_lines(),
             "7 items\n"
             "seen running, times by thread:\n"
@@ -110,32 +91,16 @@ TEST(Summary, CountsAndRanks) {
   EXPECT_EQ(orvctl::watch_summary{}.to_lines(), "0 items\n");
 }
 
-TEST(ItemText, IsReadable) {
-  const auto items = orvctl::parse_items(
-      "16,1,12345,77,$,28,2,0,1,1,2097152,0,$,36,3,7,1,5,2,3202482176,3202486272,3202351104,$,");
-  ASSERT_TRUE(items);
-  EXPECT_EQ(orvctl::to_line(items->at(0)), "    12.345 s  cpu    thread 77 runs\n");
-  EXPECT_EQ(orvctl::to_line(items->at(1)), "     0.000 s  heap   2.0 MiB free\n");
-  EXPECT_EQ(orvctl::to_line(items->at(2)),
-            "     0.007 s  stack  1 threads, most stack in use by 5: 4.0 KiB of 132.0 KiB\n");
-  EXPECT_EQ(orvctl::to_json(items->at(2)),
-            "{\"item\":\"stack\",\"tick_ms\":7,\"threads\":[{\"tid\":5,\"state\":\"sleeping\","
-            "\"pointer\":3202482176,\"end\":3202486272,\"start\":3202351104,\"used_bytes\":4096}]}"
-            "\n");
-}
-
-TEST(Duration, TakesUnitsAndNothingElse) {
-  const std::pair<const char*, int64_t> rows[] = {
-      {"30s", 30000}, {"500ms", 500}, {"2m", 120000}, {"24h", 86400000}, {"7", 7000}};
-  for (const auto& [text, ms] : rows) {
-    const auto duration = orvctl::parse_duration(text);
-    ASSERT_TRUE(duration) << text;
-    EXPECT_EQ(duration->count(), ms) << text;
-  }
-  for (const char* text : {"", "s", "0s", "-1s", "1.5s", "1 s", "25h", "99999999999999999999ms",
-                           "9223372036854775807h", "30S"}) {
-    EXPECT_FALSE(orvctl::parse_duration(text)) << text;
-  }
+TEST(Threads, AreSortedAsAsked) {
+  const std::vector<orv_thread> threads = {{3, "b", 10, 50}, {1, "c", 20, 100}, {2, "b", 20, 200}};
+  const auto tids_by = [&threads](orvctl::sort_key key) {
+    const auto list = sorted({threads.data(), threads.size(), 3}, key);
+    return std::vector{list[0].tid, list[1].tid, list[2].tid};
+  };
+  EXPECT_THAT(tids_by(orvctl::sort_key::name), ElementsAre(2, 3, 1));
+  EXPECT_THAT(tids_by(orvctl::sort_key::size), ElementsAre(1, 2, 3));
+  EXPECT_THAT(tids_by(orvctl::sort_key::base), ElementsAre(3, 1, 2));
+  EXPECT_THAT(tids_by(orvctl::sort_key::tid), ElementsAre(1, 2, 3));
 }
 
 }  // namespace

@@ -1,10 +1,7 @@
 #include <gtest/gtest.h>
 #include <limits.h>
 
-#include "command_names.h"
-#include "numbers.h"
-#include "printable.h"
-#include "target.h"
+#include "text.h"
 
 namespace {
 
@@ -39,27 +36,32 @@ TEST(Printable, LeavesATerminalNothingToObey) {
   EXPECT_EQ(orvctl::printable("\xc3\x9b \xc2\xb5"), "\xc3\x9b \xc2\xb5");
 }
 
-TEST(CommandNames, TakesNamesAndNumbers) {
-  EXPECT_EQ(orvctl::parse_code("heartbeat"), 0x101);
-  EXPECT_EQ(orvctl::parse_code("520"), 0x208);
-  EXPECT_EQ(orvctl::parse_code("Heartbeat"), std::nullopt);
-  EXPECT_EQ(orvctl::to_text(0x208), "0x208 (target_info)");
-  EXPECT_EQ(orvctl::to_text(0x999), "0x999");
+TEST(MemorySize, IsShownInTheLargestUnitThatFits) {
+  const std::pair<uint64_t, const char*> rows[] = {
+      {0, "0 B"},
+      {1023, "1023 B"},
+      {1024, "1.0 KiB"},
+      {135168, "132.0 KiB"},
+      {1048575, "1.0 MiB"},
+      {515395584, "491.5 MiB"},
+      {uint64_t{5} << 40U, "5120.0 GiB"},
+  };
+  for (const auto& [bytes, text] : rows) {
+    EXPECT_EQ(orvctl::memory_size(bytes), text);
+  }
 }
 
-TEST(TargetAnswer, IsTakenApartFromBothEnds) {
-  const auto found = orvctl::parse_target("CSC,Q7,MODEL,EVT2,1.0,240,RELEASE,-3");
-  ASSERT_TRUE(found);
-  EXPECT_EQ(found->model, "MODEL");
-  EXPECT_EQ(found->firmware, "1.0");
-  EXPECT_EQ(found->byte_order, 240);
-  EXPECT_EQ(found->cis_no, -3);
-  const auto commas = orvctl::parse_target("CSC,Q7,,,1,0,5,240,RELEASE,0");
-  ASSERT_TRUE(commas);
-  EXPECT_EQ(commas->firmware, "1,0,5");
-  for (const char* text : {"", "CSC", "848,36,28,2,1,1,1,1,0,$,", "1,1,1024", "a,b,c,d,e,f,g,h",
-                           "CSC,Q7,M,240,RELEASE,0"}) {
-    EXPECT_FALSE(orvctl::parse_target(text)) << text;
+TEST(Duration, TakesUnitsAndNothingElse) {
+  const std::pair<const char*, int64_t> rows[] = {
+      {"30s", 30000}, {"500ms", 500}, {"2m", 120000}, {"24h", 86400000}, {"7", 7000}};
+  for (const auto& [text, ms] : rows) {
+    const auto duration = orvctl::parse_duration(text);
+    ASSERT_TRUE(duration) << text;
+    EXPECT_EQ(duration->count(), ms) << text;
+  }
+  for (const char* text : {"", "s", "0s", "-1s", "1.5s", "1 s", "25h", "99999999999999999999ms",
+                           "9223372036854775807h", "30S"}) {
+    EXPECT_FALSE(orvctl::parse_duration(text)) << text;
   }
 }
 

@@ -1,5 +1,5 @@
-/* A host as someone else would write it: host ORVCTL starts the agent and has the tool ask it who
- * it is. */
+/* A host as someone else would write it: host COMMAND... starts the agent and then a command that
+ * drives it. */
 #include <glib.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -13,19 +13,18 @@ static void need(int holds, const char* what) {
   }
 }
 
-static void tool_ended(GPid pid, gint status, gpointer loop) {
+static void command_ended(GPid pid, gint status, gpointer loop) {
   (void)pid;
-  printf("the tool ended with %d\n", status);
+  printf("the command ended with %d\n", status);
   g_main_loop_quit(loop);
 }
 
-static void ask_through_the_tool(char* orvctl) {
-  char* arguments[] = {orvctl, "target", NULL};
+static void serve(char** command) {
   GMainLoop* loop = g_main_loop_new(NULL, FALSE);
   GPid pid;
-  need(g_spawn_async(NULL, arguments, NULL, G_SPAWN_DO_NOT_REAP_CHILD, NULL, NULL, &pid, NULL),
-       "the tool's start");
-  g_child_watch_add(pid, tool_ended, loop);
+  need(g_spawn_async(NULL, command, NULL, G_SPAWN_DO_NOT_REAP_CHILD, NULL, NULL, &pid, NULL),
+       "the command's start");
+  g_child_watch_add(pid, command_ended, loop);
   g_main_loop_run(loop);
   g_main_loop_unref(loop);
 }
@@ -35,7 +34,7 @@ int main(int argc, char** argv) {
   need(orv_start_time == 0, "start time before the start");
   need(orv_init_handler() == 0, "start");
   need(orv_start_time != 0, "start time");
-  ask_through_the_tool(argv[1]);
+  serve(argv + 1);
   orv_destroy_handler();
   return 0;
 }
