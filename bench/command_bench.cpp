@@ -1,8 +1,8 @@
 // A whole command between two processes, beside the bare store and beside an echo over D-Bus.
 
-#include <benchmark/benchmark.h>
 #include <gio/gio.h>
 #include <orv/agent.h>
+#include <orv/client.h>
 #include <orv/protocol.h>
 #include <signal.h>
 #include <stdlib.h>
@@ -31,29 +31,55 @@ constexpr key_set bare_keys = {{"memory/raw/cmd_param1", "memory/raw/cmd_param2"
 
 constexpr orv_command target_query{1, 1, 1, 1, ORV_COMMAND_TARGET_INFO};
 
-void measure_commands(benchmark::State& state, const key_set& keys, const char* role) {
-  const serving_process server{role};
-  command_client client{keys};
-  const auto ask = [&] {
-    client.run(target_query, "");
-    benchmark::DoNotOptimize(client.result_data());
-  };
-  ask();
-  const int woken_before = server.wake_ups();
-  int64_t commands = 0;
-  for (auto _ : state) {
-    ask();
-    ++commands;
-  }
-  state.counters["wake-ups a command"] =
-      static_cast<double>(server.wake_ups() - woken_before) / static_cast<double>(commands);
+void ask(command_client& client) {
+  client.run(target_query, "");
+  keep(client.result_data());
 }
 
-void whole_command(benchmark::State& state) {
-  measure_commands(state, agent_keys, "agent");
+void whole_command(row& row) {
+  const serving_process agent{"agent"};
+  const serving_process store{"store"};
+  command_client asker{agent_keys};
+  command_client bare{bare_keys};
+  ask(asker);
+  const int woken_before = agent.wake_ups();
+  int commands = 0;
+  row.alternate(
+      [&] {
+        ask(asker);
+        ++commands;
+      },
+      [&] { ask(bare); });
+  const int woken = agent.wake_ups() - woken_before;
+  row.expect("wake-ups a command", static_cast<double>(woken) / commands, 1);
 }
-void bare_store(benchmark::State& state) {
-  measure_commands(state, bare_keys, "store");
+
+struct camera_closer {
+  void operator()(orv_camera* camera) const noexcept { orv_camera_close(camera); }
+};
+
+void note_reply(const orv_reply* reply, void* outcome) {
+  *static_cast<int*>(outcome) = reply->outcome;
+}
+
+void send(orv_camera* camera, const orv_request& request) {
+  int outcome = -1;
+  orv_send(camera, &request, 5000, note_reply, &outcome);
+  while (outcome < 0) {
+    g_main_context_iteration(nullptr, TRUE);
+  }
+  require(outcome == ORV_RAN, "the agent did not answer");
+}
+
+// The bare exchange is with other keys: an open camera listens to the agent's.
+void client_command(row& row) {
+  const serving_process agent{"agent"};
+  const serving_process store{"store"};
+  const std::unique_ptr<orv_camera, camera_closer> camera{orv_camera_open(nullptr, nullptr)};
+  require(camera != nullptr, "the camera cannot be opened");
+  command_client bare{bare_keys};
+  const orv_request request = orv_identity_request();
+  row.alternate([&] { send(camera.get(), request); }, [&] { ask(bare); });
 }
 
 shared_counters* loop_counters = nullptr;
@@ -77,7 +103,7 @@ gint count_wake_ups(GPollFD* fds, guint count, gint timeout) {
 // What the agent reads and writes for one command, and nothing else.
 void mirror_traffic(keynode_t* node, void* /*user_data*/) {
   int number = 0;
-  benchmark::DoNotOptimize(vconf_keynode_get_name(node));
+  keep(vconf_keynode_get_name(node));
   vconf_keynode_get_type(node);
   vconf_get_int(bare_keys.command, &number);
   for (const char* parameter : bare_keys.parameters) {
@@ -123,20 +149,21 @@ GDBusConnection* connect_to(const std::string& address) {
 constexpr char echo_name[] = "orv.bench.Echo";
 constexpr char echo_path[] = "/orv/bench/Echo";
 
-void dbus_echo(benchmark::State& state) {
+void call_echo(GDBusConnection* connection) {
+  GVariant* reply = g_dbus_connection_call_sync(connection, echo_name, echo_path, echo_name, "Echo",
+                                                g_variant_new("(s)", answer_text), nullptr,
+                                                G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
+  require(reply != nullptr, "no echo");
+  g_variant_unref(reply);
+}
+
+void whole_command_and_echo(row& row) {
   const private_bus bus;
-  const serving_process server{"echo", bus.address()};
+  const serving_process echoer{"echo", bus.address()};
+  const serving_process agent{"agent"};
   GDBusConnection* connection = connect_to(bus.address());
-  for (auto _ : state) {
-    GVariant* reply = g_dbus_connection_call_sync(
-        connection, echo_name, echo_path, echo_name, "Echo", g_variant_new("(s)", answer_text),
-        nullptr, G_DBUS_CALL_FLAGS_NONE, -1, nullptr, nullptr);
-    if (reply == nullptr) {
-      state.SkipWithError("no echo");
-      break;
-    }
-    g_variant_unref(reply);
-  }
+  command_client asker{agent_keys};
+  row.alternate([&] { ask(asker); }, [&] { call_echo(connection); });
   g_dbus_connection_close_sync(connection, nullptr, nullptr);
   g_object_unref(connection);
 }
@@ -149,14 +176,10 @@ void echo(GDBusConnection* /*connection*/, const gchar* /*sender*/, const gchar*
   g_dbus_method_invocation_return_value(invocation, g_variant_new("(s)", text));
 }
 
-BENCHMARK(whole_command)->Name("command/whole")->UseRealTime();
-BENCHMARK(bare_store)->Name("command/bare-store")->UseRealTime();
-BENCHMARK(dbus_echo)->Name("command/dbus-echo")->UseRealTime();
-
-const bool wanted[] = {
-    want("command/whole", "command/bare-store", 1.05),
-    want("command/whole", "command/dbus-echo", 0.65),
-    want_counter("command/whole", "wake-ups a command", 1),
+const bool registered[] = {
+    compare("command/whole", "command/bare-store", 1.05, whole_command),
+    compare("command/whole", "command/dbus-echo", 0.65, whole_command_and_echo),
+    compare("command/client", "command/bare-store", 1.05, client_command),
 };
 
 }  // namespace

@@ -1,7 +1,6 @@
-// A tick of the heap monitor on packets of several lengths, beside the traffic that it cannot do
+// A tick of the heap monitor on packets of several lengths, beside the work that it cannot do
 // without.
 
-#include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <orv/monitor.h>
 #include <orv/protocol.h>
@@ -10,8 +9,9 @@
 #include <unistd.h>
 #include <vconf.h>
 
-#include <chrono>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "monitor/packet.h"
 #include "ratio_table.h"
@@ -29,72 +29,52 @@ std::string packet_of_size(size_t characters) {
   return "848," + std::to_string(total) + "," + items;
 }
 
-// Each iteration begins with the same packet in the key; putting it there is not timed.
-template <class Work>
-void measure(benchmark::State& state, const std::string& packet, Work work) {
-  using clock = std::chrono::steady_clock;
-  for (auto _ : state) {
-    vconf_set_str(VCONFKEY_ORV_RESULT_DATA, packet.c_str());
-    const auto start = clock::now();
-    work();
-    state.SetIterationTime(std::chrono::duration<double>(clock::now() - start).count());
-  }
-}
-
-void tick(benchmark::State& state) {
-  measure(state, packet_of_size(static_cast<size_t>(state.range(0))),
-          [] { orv_heap_monitor_proc(nullptr); });
-}
-
 void read_memory_summary() {
   char buffer[2048];
   const int fd = open("/proc/meminfo", O_RDONLY | O_CLOEXEC);
-  benchmark::DoNotOptimize(read(fd, buffer, sizeof buffer - 1));
+  keep(read(fd, buffer, sizeof buffer - 1));
   close(fd);
 }
 
-// Over a copy, in memory that is taken and given back as a tick does.
-void write_value_back() {
+void tick() {
+  orv_heap_monitor_proc(nullptr);
+}
+
+// What a tick reads, allocates and writes, and nothing else.
+void bare_tick() {
+  read_memory_summary();
   char* value = vconf_get_str(VCONFKEY_ORV_RESULT_DATA);
   char* copy = strcpy(static_cast<char*>(malloc(ORV_PACKET_MAX_TEXT)), value);
   char* written = strcpy(static_cast<char*>(malloc(ORV_PACKET_MAX_TEXT)), copy);
   vconf_set_str(VCONFKEY_ORV_RESULT_DATA, written);
+  vconf_set_int(VCONFKEY_ORV_RESULT, ORV_RESULT_OK);
   free(written);
   free(copy);
   free(value);
 }
 
-// What a tick reads, writes and allocates.
-void bare_traffic(benchmark::State& state) {
-  measure(state, packet_of_size(static_cast<size_t>(state.range(0))), [] {
-    read_memory_summary();
-    write_value_back();
-    vconf_set_int(VCONFKEY_ORV_RESULT, ORV_RESULT_OK);
+// Every run begins with the same packet in the key.
+void alternate_from(row& row, const std::string& packet, const work& measured, const work& floor) {
+  row.alternate(measured, floor, [&] { vconf_set_str(VCONFKEY_ORV_RESULT_DATA, packet.c_str()); });
+}
+
+void keep_books(const std::string& packet, char* room) {
+  const std::string_view item = "28,2,123456,1,1,3072000000,0,$,";
+  orv::bounded_text grown{room, ORV_PACKET_MAX_TEXT};
+  keep(orv::grow_packet(orv::parse_packet(std::string_view{packet}), {ORV_ITEM_HEAP_SIZE, item},
+                        grown));
+}
+
+bool register_ticks(const std::string& size_name, size_t characters) {
+  const std::string whole = "heap-tick/whole-" + size_name;
+  const std::string packet = packet_of_size(characters);
+  compare(whole, "heap-tick/bare-" + size_name, 1.15,
+          [packet](row& row) { alternate_from(row, packet, tick, bare_tick); });
+  compare("heap-tick/bookkeeping-" + size_name, whole, 0.03, [packet](row& row) {
+    std::vector<char> room(ORV_PACKET_MAX_TEXT);
+    alternate_from(
+        row, packet, [&] { keep_books(packet, room.data()); }, tick);
   });
-}
-
-void keep_books(benchmark::State& state) {
-  const std::string packet = packet_of_size(static_cast<size_t>(state.range(0)));
-  const std::string item = "28,2,123456,1,1,3072000000,0,$,";
-  char* room = static_cast<char*>(malloc(ORV_PACKET_MAX_TEXT));
-  for (auto _ : state) {
-    orv::bounded_text grown{room, ORV_PACKET_MAX_TEXT};
-    benchmark::DoNotOptimize(orv::grow_packet(orv::parse_packet(std::string_view{packet}),
-                                              {ORV_ITEM_HEAP_SIZE, item}, grown));
-  }
-  free(room);
-}
-
-bool register_ticks(const char* size_name, int characters) {
-  const auto add = [&](const char* name, void (*body)(benchmark::State&)) {
-    std::string full_name = name + std::string{"-"} + size_name;
-    auto* added = benchmark::RegisterBenchmark(full_name.c_str(), body)->Arg(characters);
-    body == keep_books ? added->UseRealTime() : added->UseManualTime();
-    return full_name;
-  };
-  const std::string whole = add("heap-tick/whole", tick);
-  want(whole, add("heap-tick/bare-traffic", bare_traffic), 1.15);
-  want(add("heap-tick/bookkeeping", keep_books), whole, 0.03);
   return true;
 }
 

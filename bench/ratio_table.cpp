@@ -1,28 +1,21 @@
 #include "ratio_table.h"
 
-#include <benchmark/benchmark.h>
+#include <getopt.h>
 #include <stdio.h>
 
-#include <algorithm>
-#include <iterator>
-#include <map>
+#include <exception>
+#include <stdexcept>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace orv_bench {
 namespace {
 
 struct wanted_ratio {
-  std::string measured;
+  std::string name;
   std::string against;
   double at_most;
-};
-
-struct wanted_counter {
-  std::string measured;
-  std::string counter;
-  double exactly;
+  row_body body;
 };
 
 // Filled before main, from several files: made when first asked for.
@@ -31,107 +24,107 @@ std::vector<wanted_ratio>& wanted_ratios() {
   return rows;
 }
 
-std::vector<wanted_counter>& wanted_counters() {
-  static std::vector<wanted_counter> rows;
-  return rows;
-}
-
-double median(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
-
-class collector : public benchmark::BenchmarkReporter {
- public:
-  bool ReportContext(const Context& /*context*/) override { return true; }
-
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) {
-      if (run.error_occurred) {
-        fprintf(stderr, "%s: %s\n", run.benchmark_name().c_str(), run.error_message.c_str());
-        failed_ = true;
-      } else if (run.run_type == Run::RT_Iteration) {
-        const std::string name = run.run_name.function_name;
-        const double iterations = static_cast<double>(run.iterations);
-        times_us_[name].push_back(run.real_accumulated_time / iterations * 1e6);
-        for (const auto& [counter, value] : run.counters) {
-          counters_[{name, counter}].push_back(value.value);
-        }
-      }
-    }
-    fprintf(stderr, ".");
-  }
-
-  [[nodiscard]] bool failed() const { return failed_; }
-
-  void print_table() const {
-    fprintf(stderr, "\n");
-    printf("%-34s %12s  %-34s %12s  %7s  %7s\n", "case", "median us", "against", "median us",
-           "ratio", "wanted");
-    for (const wanted_ratio& row : wanted_ratios()) {
-      print(row);
-    }
-    for (const wanted_counter& row : wanted_counters()) {
-      print(row);
-    }
-  }
-
- private:
-  void print(const wanted_ratio& row) const {
-    const auto measured = times_us_.find(row.measured);
-    const auto against = times_us_.find(row.against);
-    if (measured == times_us_.end() || against == times_us_.end()) {
-      return;  // filtered out
-    }
-    const double measured_us = median(measured->second);
-    const double against_us = median(against->second);
-    const double ratio = measured_us / against_us;
-    printf("%-34s %12.2f  %-34s %12.2f  %7.3f  <= %.3g%s\n", row.measured.c_str(), measured_us,
-           row.against.c_str(), against_us, ratio, row.at_most,
-           ratio > row.at_most ? "  MISSED" : "");
-  }
-
-  void print(const wanted_counter& row) const {
-    const auto measured = counters_.find({row.measured, row.counter});
-    if (measured == counters_.end()) {
-      return;
-    }
-    const double value = median(measured->second);
-    printf("%-34s %12s  %-34s %12.4g  %7s  == %.3g%s\n", row.measured.c_str(), "",
-           row.counter.c_str(), value, "", row.exactly, value == row.exactly ? "" : "  MISSED");
-  }
-
-  std::map<std::string, std::vector<double>> times_us_;
-  std::map<std::pair<std::string, std::string>, std::vector<double>> counters_;
-  bool failed_ = false;
+struct options {
+  effort how = effort::full;
+  std::string filter;
 };
+
+constexpr char usage[] =
+    R"(Usage: orv-bench [OPTION...]
+
+Measures each case against its floor or its peer and prints a table of ratios.
+
+Options:
+  --filter TEXT  only the rows with TEXT in the name of the case, or of what it is measured against
+  --once         run each side a single time, to see that it works; the figures mean nothing
+  --help         this text
+)";
+
+constexpr char explanation[] = R"(
+Case and floor alternate in stretches of 0.3 ms, or of one run that takes longer, and each two
+neighbouring stretches give a ratio. "ratio" is the median of these, "95 %" its confidence interval
+by order statistics. MISSED: the whole interval lies above what is wanted. Where one run takes
+a millisecond or more, the machine has to be quiet: load slows a long run by more than a short one.
+)";
+
+// An exit status when there is nothing to measure, or -1.
+int read_options(int argc, char** argv, options& chosen) {
+  const option known[] = {{"filter", required_argument, nullptr, 'f'},
+                          {"once", no_argument, nullptr, 'o'},
+                          {"help", no_argument, nullptr, 'h'},
+                          {}};
+  int letter = 0;
+  while ((letter = getopt_long(argc, argv, "", known, nullptr)) != -1) {
+    if (letter == 'f') {
+      chosen.filter = optarg;
+    } else if (letter == 'o') {
+      chosen.how = effort::once;
+    } else {
+      fputs(usage, letter == 'h' ? stdout : stderr);
+      return letter == 'h' ? 0 : 2;
+    }
+  }
+  return -1;
+}
+
+void print(const wanted_ratio& wanted, const row& measured) {
+  const comparison& times = measured.times();
+  const median_estimate& ratio = times.ratio;
+  printf("%-28s %10.2f  %-33s %10.2f  %6.3f  %6.3f ..%6.3f  <= %.3g%s\n", wanted.name.c_str(),
+         times.measured_us, wanted.against.c_str(), times.floor_us, ratio.middle, ratio.low,
+         ratio.high, wanted.at_most, ratio.low > wanted.at_most ? "  MISSED" : "");
+  for (const figure& one : measured.figures()) {
+    printf("%-28s %10s  %-33s %10.4g  %6s  %16s  == %.3g%s\n", wanted.name.c_str(), "",
+           one.name.c_str(), one.seen, "", "", one.wanted,
+           one.seen == one.wanted ? "" : "  MISSED");
+  }
+  fflush(stdout);
+}
+
+bool measure(const wanted_ratio& wanted, effort how) {
+  row measured{how};
+  try {
+    wanted.body(measured);
+  } catch (const std::exception& failure) {
+    fprintf(stderr, "orv-bench: %s against %s: %s\n", wanted.name.c_str(), wanted.against.c_str(),
+            failure.what());
+    return false;
+  }
+  print(wanted, measured);
+  return true;
+}
 
 }  // namespace
 
-bool want(const std::string& measured, const std::string& against, double at_most) {
-  wanted_ratios().push_back({measured, against, at_most});
+bool compare(const std::string& name, const std::string& against, double at_most,
+             const row_body& body) {
+  wanted_ratios().push_back({name, against, at_most, body});
   return true;
 }
 
-bool want_counter(const std::string& measured, const std::string& counter, double exactly) {
-  wanted_counters().push_back({measured, counter, exactly});
-  return true;
+void require(bool well, const char* failure) {
+  if (!well) {
+    throw std::runtime_error{failure};
+  }
 }
 
 int run(int argc, char** argv) {
-  std::vector<char*> arguments{argv, argv + argc};
-  char interleaving[] = "--benchmark_enable_random_interleaving=true";
-  arguments.insert(arguments.begin() + 1, interleaving);
-  int count = static_cast<int>(arguments.size());
-  benchmark::Initialize(&count, arguments.data());
-  if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) {
-    return 2;
+  options chosen;
+  if (const int status = read_options(argc, argv, chosen); status >= 0) {
+    return status;
   }
-  collector results;
-  const size_t ran = benchmark::RunSpecifiedBenchmarks(&results);
-  results.print_table();
-  return ran == 0 || results.failed() ? 1 : 0;
+  printf("%-28s %10s  %-33s %10s  %6s  %16s  %s\n", "case", "median us", "against", "median us",
+         "ratio", "95 %", "wanted");
+  bool all_ran = true;
+  size_t chosen_rows = 0;
+  for (const wanted_ratio& row : wanted_ratios()) {
+    if ((row.name + " " + row.against).find(chosen.filter) != std::string::npos) {
+      ++chosen_rows;
+      all_ran = measure(row, chosen.how) && all_ran;
+    }
+  }
+  fputs(explanation, stdout);
+  return all_ran && chosen_rows > 0 ? 0 : 1;
 }
 
 }  // namespace orv_bench

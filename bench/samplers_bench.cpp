@@ -1,7 +1,6 @@
 // The memory reader and the samplers, beside the bare system calls and shell commands that they
 // cannot do without.
 
-#include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <orv/cpu.h>
 #include <orv/meminfo.h>
@@ -17,35 +16,31 @@
 
 namespace {
 
-void read_meminfo(benchmark::State& state) {
+void read_meminfo() {
   static uint32_t buffers;
   static uint32_t cached;
   static uint32_t free;
   static uint32_t total;
   constexpr meminfo_row table[] = {
       {"Buffers", &buffers}, {"Cached", &cached}, {"MemFree", &free}, {"MemTotal", &total}};
-  for (auto _ : state) {
-    orv_meminfo(table, 4);
-  }
+  orv_meminfo(table, 4);
 }
 
-void bare_meminfo(benchmark::State& state) {
+void read_meminfo_bare() {
   char buffer[2048];
-  for (auto _ : state) {
-    const int fd = open("/proc/meminfo", O_RDONLY | O_CLOEXEC);
-    benchmark::DoNotOptimize(read(fd, buffer, sizeof buffer - 1));
-    close(fd);
-  }
+  const int fd = open("/proc/meminfo", O_RDONLY | O_CLOEXEC);
+  orv_bench::keep(read(fd, buffer, sizeof buffer - 1));
+  close(fd);
 }
 
 void run_lister() {
-  benchmark::DoNotOptimize(system("ps -eLo pid,tid,pcpu,esp,comm,state > /tmp/stackmon"));
+  orv_bench::keep(system("ps -eLo pid,tid,pcpu,esp,comm,state > /tmp/stackmon"));
 }
 
 void run_stack_command(const std::string& command) {
   char line[84];
   FILE* pipe = popen(command.c_str(), "re");
-  benchmark::DoNotOptimize(fgets(line, sizeof line, pipe));
+  orv_bench::keep(fgets(line, sizeof line, pipe));
   pclose(pipe);
 }
 
@@ -61,45 +56,29 @@ std::vector<std::string> stack_commands() {
   return commands;
 }
 
-void sample_stacks(benchmark::State& state) {
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(orv_get_stack_info(res_stack_info));
-  }
+void meminfo(orv_bench::row& row) {
+  row.alternate(read_meminfo, read_meminfo_bare);
 }
 
-void bare_stack_commands(benchmark::State& state) {
+void stack_sampler(orv_bench::row& row) {
   const std::vector<std::string> commands = stack_commands();
-  for (auto _ : state) {
-    run_lister();
-    for (const std::string& command : commands) {
-      run_stack_command(command);
-    }
-  }
+  row.alternate([] { orv_bench::keep(orv_get_stack_info(res_stack_info)); },
+                [&] {
+                  run_lister();
+                  for (const std::string& command : commands) {
+                    run_stack_command(command);
+                  }
+                });
 }
 
-void sample_cpu(benchmark::State& state) {
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(orv_get_cpu_info(result_cpu_info));
-  }
+void cpu_sampler(orv_bench::row& row) {
+  row.alternate([] { orv_bench::keep(orv_get_cpu_info(result_cpu_info)); }, run_lister);
 }
 
-void bare_lister(benchmark::State& state) {
-  for (auto _ : state) {
-    run_lister();
-  }
-}
-
-BENCHMARK(read_meminfo)->Name("meminfo/read")->UseRealTime();
-BENCHMARK(bare_meminfo)->Name("meminfo/open-read-close")->UseRealTime();
-BENCHMARK(sample_stacks)->Name("samplers/stack")->UseRealTime();
-BENCHMARK(bare_stack_commands)->Name("samplers/bare-stack-commands")->UseRealTime();
-BENCHMARK(sample_cpu)->Name("samplers/cpu")->UseRealTime();
-BENCHMARK(bare_lister)->Name("samplers/bare-lister")->UseRealTime();
-
-const bool wanted[] = {
-    orv_bench::want("meminfo/read", "meminfo/open-read-close", 1.05),
-    orv_bench::want("samplers/stack", "samplers/bare-stack-commands", 1.02),
-    orv_bench::want("samplers/cpu", "samplers/bare-lister", 1.02),
+const bool registered[] = {
+    orv_bench::compare("meminfo/read", "meminfo/open-read-close", 1.05, meminfo),
+    orv_bench::compare("samplers/stack", "samplers/bare-stack-commands", 1.02, stack_sampler),
+    orv_bench::compare("samplers/cpu", "samplers/bare-lister", 1.02, cpu_sampler),
 };
 
 }  // namespace

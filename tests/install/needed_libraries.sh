@@ -19,3 +19,12 @@ libvconf.so.0' "$(needed "$BUILD/$LIBDIR/liborv-client.so" | grep -vxE "$runtime
 # The tool reaches the platform through the client library alone.
 expect "the tool's libraries beside the runtime" 'libglib-2.0.so.0
 liborv-client.so.0' "$(needed "$BUILD/${SYSROOT:+target-}bin/orvctl" | grep -vxE "$runtime")"
+
+# Neither holds a piece of the stand-ins, which the camera's own libraries replace.
+pieces_in() {
+  "$NM" -C "$1" | grep -E ' (vconf|dlog|platform)::' || true
+}
+[[ $(pieces_in "$BUILD/$LIBDIR/libvconf.so.0") ]] || fail 'no piece is found in a stand-in itself'
+for file in "$BUILD/$LIBDIR/liborv-client.so" "$BUILD/${SYSROOT:+target-}bin/orvctl"; do
+  expect "pieces of the stand-ins in $file" '' "$(pieces_in "$file")"
+done
