@@ -37,6 +37,16 @@ constexpr status_row statuses[] = {
     {ORV_MAY_HAVE_RUN, ORV_WHY_CLOSED, exit_status::no_answer},
 };
 
+constexpr bool has_row(int why) {
+  return std::any_of(std::begin(statuses), std::end(statuses),
+                     [why](const status_row& one) { return one.why == why; });
+}
+
+constexpr bool has_rows_up_to(int why) {
+  return why == ORV_WHY_NONE || (has_row(why) && has_rows_up_to(why - 1));
+}
+static_assert(has_rows_up_to(ORV_WHY_BAD_ANSWER));
+
 }  // namespace
 
 uint32_t context::timeout_ms(uint32_t usual_ms) const {

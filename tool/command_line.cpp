@@ -50,7 +50,7 @@ std::string one_line(const CLI::App* /*app*/, const CLI::Error& error) {
   return "orvctl: " + std::string{error.what()} + "; see orvctl --help\n";
 }
 
-// The library's own shows how often a repeated argument may stand in numbers, "(0x)".
+// The library's own shows in numbers how often a repeated argument may be given, "(0x)".
 class usage_formatter : public CLI::Formatter {
  public:
   std::string make_option_usage(const CLI::Option* option) const override {

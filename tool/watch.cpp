@@ -133,6 +133,7 @@ exit_status watching::run() {
   while (watch_ != nullptr) {
     run_main_loop_once();
   }
+  progress_.clear();
   shared_.out.write(shared_.json ? summary_.to_json() : summary_.to_lines());
   return status_;
 }
@@ -189,8 +190,6 @@ void watching::warn(const std::string& message) {
 
 void watching::end(const orv_reply& reply) {
   watch_ = nullptr;
-  second_.reset();
-  time_over_.reset();
   progress_.clear();
   if (reply.why != ORV_WHY_NONE) {
     status_ = refuse(&reply);

@@ -14,15 +14,8 @@ namespace {
 constexpr size_t roomy_size = size_t{ORV_PACKET_MAX_TEXT} / 4;
 constexpr size_t full_size = roomy_size * 3;
 
-// One after the other, programs that ask without a pause would have the packet for ever.
-constexpr milliseconds longest_loan{1000};
-constexpr milliseconds loan_look_interval{5};
-// With other programs, each of which waits for an answer as long as it was told to.
-constexpr uint32_t patience_ms = 60000;
-
 constexpr uint32_t default_cpu_interval_ms = 250;
 constexpr uint32_t default_timeout_ms = 5000;
-constexpr uint32_t thread_timeout_ms = 30000;
 
 // Where the interval is fixed, the agent only looks whether it is 0.
 command start_command(const monitor_row& row, uint32_t interval_ms) {
@@ -182,23 +175,6 @@ void watch::pause() {
   next();
 }
 
-void watch::lend() {
-  phase_ = phase::lending;
-  turn_->release();
-  locks_->release(right::packet);
-  lent_at_ = steady_clock::now();
-  step_timer_ = source::every(loan_look_interval, kept([this] { look_after_loan(); }));
-}
-
-void watch::look_after_loan() {
-  last_loan_ = steady_clock::now() - lent_at_;
-  if (!locks_->taken_by_others(right::wanting) || last_loan_ >= longest_loan) {
-    step_timer_.cancel();
-    then(&watch::resume);
-    claim_right(right::packet, time_limit::of(patience_ms));
-  }
-}
-
 void watch::finish() {
   phase_ = phase::finishing;
   then(&watch::take_turn);
@@ -206,8 +182,6 @@ void watch::finish() {
   then(&watch::end_here);
   next();
 }
-
-// ---- Steps ----
 
 void watch::then(step one) {
   steps_.emplace_back([this, one] { (this->*one)(); });
@@ -222,146 +196,6 @@ void watch::then_stop_the_watched() {
     then_send(stop_command(*row));
   }
   then(&watch::take_the_rest);
-}
-
-void watch::next() {
-  if (phase_ != phase::ended && !steps_.empty()) {
-    const std::function<void()> one = std::move(steps_.front());
-    steps_.pop_front();
-    one();
-  }
-}
-
-void watch::claim_monitors() {
-  claim_right(right::monitors, answer_limit());
-}
-
-void watch::claim_packet() {
-  claim_right(right::packet, answer_limit());
-}
-
-void watch::claim_right(right which, time_limit limit) {
-  claim_.emplace(*locks_, which, limit.end, kept([this, which, limit](bool taken) {
-    if (taken) {
-      next();
-    } else {
-      end(which == right::monitors ? watched(directory_) : busy(directory_, limit));
-    }
-  }));
-}
-
-void watch::take_turn() {
-  if (turn_->held()) {
-    return next();
-  }
-  const auto limit = time_limit::of(patience_ms);
-  turn_->take(limit,
-              kept([this, limit](bool taken) { taken ? next() : end(busy(directory_, limit)); }));
-}
-
-void watch::settle() {
-  if (turn_->settled()) {
-    return next();
-  }
-  turn_->settle(answer_limit(),
-                kept([this](const ending& how) { how.outcome == ORV_RAN ? next() : end(how); }));
-}
-
-// A late answer to somebody's command can have passed for that to a stop. The query, which came
-// after the stops, then overwrote what had ticked meanwhile.
-void watch::settle_after_stops() {
-  if (turn_->settled()) {
-    return next();
-  }
-  turn_->settle(answer_limit(), kept([this, before = text_changes_](const ending& how) {
-                  if (how.outcome != ORV_RAN) {
-                    return end(how);
-                  }
-                  if (text_changes_ > before + 1) {
-                    reporter_.gap();
-                  }
-                  next();
-                }));
-}
-
-// An answer that a tick overwrote was given all the same.
-void watch::send(const command& one) {
-  turn_->ask(one, answer_limit(), kept([this](ending how) {
-               last_command_ = std::move(how);
-               const bool answered =
-                   last_command_.outcome == ORV_RAN || last_command_.why == ORV_WHY_OVERWRITTEN;
-               answered ? next() : end(last_command_);
-             }));
-}
-
-// The names are an addition: a watch goes on without them. But it has to await their answer, also
-// where its other commands are given less time than a target with many threads takes.
-void watch::ask_names() {
-  const auto limit = time_limit::of(std::max(timeout_ms_, thread_timeout_ms));
-  turn_->ask({ORV_COMMAND_STACK_INFO}, limit, kept([this](const ending& how) {
-               if (how.outcome == ORV_RAN && how.text) {
-                 reporter_.set_names(*how.text);
-               }
-               next();
-             }));
-}
-
-void watch::take_the_rest() {
-  take_news();
-  if (phase_ == phase::halting) {
-    phase_ = phase::emptying;
-  }
-  next();
-}
-
-// Nobody else writes the key now. That the write is heard of parts what was before it from what
-// the monitors write next.
-void watch::empty_packet() {
-  if (vconf_set_str(VCONFKEY_ORV_RESULT_DATA, "") != 0) {
-    return end(store_failed(directory_));
-  }
-  own_write_ = source::at(answer_limit().end, kept([this] { end(store_failed(directory_)); }));
-}
-
-void watch::packet_emptied() {
-  own_write_.cancel();
-  follower_.emptied();
-  packet_size_ = 0;
-  looked_at_ = text_changes_;
-  next();
-}
-
-void watch::lend_or_resume() {
-  if (stop_wanted_) {
-    end_here();
-  } else if (locks_->taken_by_others(right::wanting)) {
-    lend();
-  } else {
-    resume();
-  }
-}
-
-void watch::follow() {
-  if (stop_wanted_) {
-    return finish();
-  }
-  turn_->release();
-  if (phase_ == phase::resuming) {
-    resumed_at_ = steady_clock::now();
-    silence_->monitors_started(resumed_at_);
-  }
-  phase_ = phase::following;
-  silence_timer_ = source::at(silence_->due(), kept([this] { judge_silence(); }));
-  look_soon();
-  if (!std::exchange(started_, true)) {
-    reporter_.started();
-  }
-}
-
-void watch::end_here() {
-  end(phase_ == phase::claiming
-          ? not_run(ORV_WHY_NONE, "the watch was stopped before it started a monitor")
-          : last_command_);
 }
 
 // ---- While the monitors tick ----

@@ -34,6 +34,9 @@
 
 namespace orv_client::store {
 
+// What a target with many threads may take to list them.
+constexpr uint32_t thread_timeout_ms = 30000;
+
 // Keeps itself until it has reported its end or is cancelled, which may be within a report.
 class watch {
  public:

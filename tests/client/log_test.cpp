@@ -73,8 +73,7 @@ TEST_F(ClientLog, SaysWhenItCannotBeRead) {
   EXPECT_EQ(missing->why, ORV_WHY_NO_LOG);
   EXPECT_STREQ(missing->message,
                "cannot run dlogutil, the log's reader: No such file or directory; is it in PATH?");
-  std::ofstream{host_.file("bin/dlogutil")} << "#!/bin/sh\nprintf 'half a line'\nexit 4\n";
-  std::filesystem::permissions(host_.file("bin/dlogutil"), std::filesystem::perms::owner_all);
+  host_.write_program("dlogutil", "printf 'half a line'; exit 4");
   const auto failed = opened.read_log(note_);
   setenv("PATH", path.c_str(), 1);
   EXPECT_EQ(failed->result, -1);

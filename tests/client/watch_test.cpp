@@ -207,7 +207,7 @@ TEST_F(ClientWatch, GoesOnWhenTheHostIsKilledAndStartedAnew) {
   ASSERT_TRUE(see(ORV_WATCH_ITEM, 1));
   host_.kill();
   ASSERT_FALSE(see(ORV_WATCH_GAP, 1, 100));
-  host_.start();
+  host_.launch();
   EXPECT_TRUE(see(ORV_WATCH_GAP, 1));
   EXPECT_TRUE(see(ORV_WATCH_ITEM, 100)) << "the monitors were not started anew";
   watch.stop();

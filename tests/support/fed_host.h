@@ -27,21 +27,31 @@ class fed_host {
   // Every line has a thread id of its own: 1, 2, 3 and so on, all running.
   void number_threads() const {
     std::ofstream{file("serial")} << "0\n";
-    write_ps("cd " + directory_.string() + "\nread n <serial\nend=$((n + " +
-             std::to_string(threads_a_tick) +
-             "))\nwhile [ $n -lt $end ]; do n=$((n + 1)); "
-             "echo \"1 $n 0.0 bef01234 w R\"; done\necho $n >serial");
+    write_program("ps", "cd " + directory_.string() + "\nread n <serial\nend=$((n + " +
+                            std::to_string(threads_a_tick) +
+                            "))\nwhile [ $n -lt $end ]; do n=$((n + 1)); "
+                            "echo \"1 $n 0.0 bef01234 w R\"; done\necho $n >serial");
   }
   // These lines, as "1 7 0.0 bef01234 worker R".
   void list_threads(const std::string& lines) const {
     std::ofstream{file("threads.new")} << lines;
     std::filesystem::rename(file("threads.new"), file("threads"));
-    write_ps("exec cat " + file("threads"));
+    write_program("ps", "exec cat " + file("threads"));
   }
 
-  void start() {
+  // One that the host and its samplers find before the system's.
+  void write_program(const std::string& name, const std::string& script) const {
+    const std::string path = file("bin/") + name;
+    std::ofstream{path} << "#!/bin/sh\n" << script << "\n";
+    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+  }
+
+  void launch() {
     host_ = std::make_unique<background>(std::vector<std::string>{
         "sh", "-c", "PATH=" + file("bin") + ":$PATH exec orv-host >/dev/null 2>&1"});
+  }
+  void start() {
+    launch();
     ASSERT_TRUE(eventually([] { return run({"orvctl", "--timeout", "1", "target"}).status == 0; }));
   }
   void kill() {
@@ -53,11 +63,6 @@ class fed_host {
   [[nodiscard]] std::string file(const char* name) const { return directory_ / name; }
 
  private:
-  void write_ps(const std::string& script) const {
-    std::ofstream{file("bin/ps")} << "#!/bin/sh\n" << script << "\n";
-    std::filesystem::permissions(file("bin/ps"), std::filesystem::perms::owner_all);
-  }
-
   std::filesystem::path directory_ = std::filesystem::path{getenv("ORV_PLATFORM_ROOT")} / "fed";
   std::unique_ptr<background> host_;
 };

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <orv/protocol.h>
 #include <signal.h>
+#include <stdlib.h>
 #include <vconf.h>
 
 #include <filesystem>
@@ -127,6 +128,42 @@ TEST_F(Camera, TellsWhatAFailedInjectionMayMean) {
   EXPECT_EQ(number_at(VCONFKEY_ORV_COMMAND_PARAM4), 250);
 }
 
+TEST_F(Camera, IsReachedByAnyOfItsNames) {
+  const std::string root = getenv("ORV_PLATFORM_ROOT");
+  const std::string address = "ORV_CAMERA=store:" + root;
+  const std::vector<std::string> rows[] = {
+      {"orvctl", "target", "--store", root},
+      {"orvctl", "target", "-c", "store:" + root},
+      {"env", "ORV_PLATFORM_ROOT=/nonexistent", address, "orvctl", "target"},
+      {"env", "ORV_CAMERA=store:/nonexistent", "orvctl", "--store", root, "target"},
+  };
+  for (const std::vector<std::string>& words : rows) {
+    SCOPED_TRACE(words[2]);
+    EXPECT_EQ(run(words).status, 0);
+  }
+  const outcome lost = run({"env", "ORV_CAMERA=store:/nonexistent", "orvctl", "target"});
+  EXPECT_EQ(lost.status, 2);
+  EXPECT_THAT(lost.err, HasSubstr("store /nonexistent: No such file or directory; is a host"));
+}
+
+TEST_F(Camera, ShowsItsLogUntilItIsStopped) {
+  run({"orvctl", "--timeout", "0.1", "send", "0x999"});
+  EXPECT_TRUE(eventually([] {
+    return run({"orvctl", "log", "--dump"}).out.find("command(0x999) not found!") !=
+           std::string::npos;
+  }));
+  background log{{"orvctl", "log"}};
+  const auto log_readers = [&log] {
+    return run({"pgrep", "-x", "-P", std::to_string(log.pid()), "dlogutil"}).out;
+  };
+  ASSERT_TRUE(eventually([&] { return !log_readers().empty(); }));
+  const std::string reader = log_readers();
+  log.signal(SIGTERM);
+  EXPECT_EQ(log.wait(), 128 + SIGTERM);
+  EXPECT_EQ(kill(std::stoi(reader), 0), -1) << "its reader goes on";
+  EXPECT_EQ(run({"sh", "-c", "orvctl log | head -n 1 >/dev/null"}).status, 0);
+}
+
 TEST(Tool, ListsTheCamerasKeys) {
   EXPECT_THAT(run({"orvctl", "key", "--list"}).out, testing::ContainsRegex("\nKEY_MENU +135\n"));
 }
@@ -147,6 +184,9 @@ TEST(Tool, TellsWrongUsageInOneLine) {
       {{"orvctl", "target", "--timeout", "-1"}, "timeout"},
       {{"orvctl", "target", "--store", "/nonexistent"}, "/nonexistent: No such file"},
       {{"orvctl", "target", "--store", "/etc/passwd"}, "is not a directory"},
+      {{"orvctl", "target", "--camera", "/nonexistent"}, "/nonexistent"},
+      {{"orvctl", "target", "-c", "nowhere:x"}, "nowhere"},
+      {{"orvctl", "target", "-c", "store:x", "--store", "x"}, "excludes"},
   };
   vconf_set_int(VCONFKEY_ORV_COMMAND, 7);
   for (const auto& [words, message] : rows) {

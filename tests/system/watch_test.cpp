@@ -10,6 +10,7 @@
 #include <fstream>
 #include <string>
 
+#include "fed_host.h"
 #include "keys.h"
 #include "main_loop.h"
 #include "packet_check.h"
@@ -31,37 +32,17 @@ std::vector<std::string> lines_of(const fs::path& path) {
   return orv_test::lines_of(std::ifstream{path});
 }
 
-// orv-host, whose `ps` gives every line a thread id of its own: 1, 2, 3 and so on, all running. The
-// query for the threads' names runs it as well, and then `cat` for each of its lines.
+// With numbered threads. The query for their names runs `ps` as well, and then `cat` for each line.
 class Watch : public testing::Test {
  protected:
-  static constexpr int threads_a_tick = 30;
-
   void SetUp() override {
-    fs::remove_all(directory_);
-    fs::create_directories(directory_ / "bin");
-    std::ofstream{directory_ / "serial"} << "0\n";
-    std::ofstream{directory_ / "bin/ps"}
-        << "#!/bin/sh\ncd " << directory_.string() << "\nread n <serial\nend=$((n + "
-        << threads_a_tick
-        << "))\nwhile [ $n -lt $end ]; do n=$((n + 1)); "
-           "echo \"1 $n 0.0 bef01234 w R\"; done\necho $n >serial\n";
-    std::ofstream{directory_ / "bin/cat"} << "#!/bin/sh\necho >>" << named().string() << "\n";
-    for (const char* program : {"bin/ps", "bin/cat"}) {
-      fs::permissions(directory_ / program, fs::perms::owner_all);
-    }
-    start_host();
+    host_.number_threads();
+    host_.write_program("cat", "echo >>" + named());
+    host_.start();
   }
 
-  void start_host() {
-    host_ = std::make_unique<background>(std::vector<std::string>{
-        "sh", "-c",
-        "PATH=" + (directory_ / "bin").string() + ":$PATH exec orv-host >/dev/null 2>&1"});
-    ASSERT_TRUE(eventually([] { return run({"orvctl", "--timeout", "1", "target"}).status == 0; }));
-  }
-
-  [[nodiscard]] std::string shown() const { return (directory_ / "shown").string(); }
-  [[nodiscard]] fs::path named() const { return directory_ / "named"; }
+  [[nodiscard]] std::string shown() const { return host_.file("shown"); }
+  [[nodiscard]] std::string named() const { return host_.file("named"); }
 
   // The thread ids in the CSV file ascend, and all that are not there went into queries for names.
   void expect_each_thread_once() const {
@@ -70,11 +51,10 @@ class Watch : public testing::Test {
          "NR > 1 { if ($3 <= last) { print; exit 1 } last = $3 } END { print NR - 1 }", shown()});
     ASSERT_EQ(rows.status, 0) << rows.out;
     EXPECT_EQ(std::stoul(rows.out) + lines_of(named()).size(),
-              std::stoul(lines_of(directory_ / "serial").at(0)));
+              std::stoul(lines_of(host_.file("serial")).at(0)));
   }
 
-  fs::path directory_ = fs::path{getenv("ORV_PLATFORM_ROOT")} / "watch";
-  std::unique_ptr<background> host_;
+  orv_test::fed_host host_;
 };
 
 // Asks until it is killed; with a status that is none of these, ends.
@@ -93,8 +73,8 @@ int ask_forever(const std::vector<std::string>& words, const std::vector<int>& s
 TEST_F(Watch, LosesNoItemAndShowsNoneTwiceWhileOthersCommandAndAsk) {
   background watch{{"orvctl", "monitor", "watch", "cpu", "--interval", "1", "--csv", shown()}};
   ASSERT_TRUE(eventually([this] { return fs::exists(shown()); }));
-  const std::string queries = directory_ / "queries";
-  const std::string keys = directory_ / "keys";
+  const std::string queries = host_.file("queries");
+  const std::string keys = host_.file("keys");
   background asking{[&] { return ask_forever({"orvctl", "target"}, {0}, queries); }};
   // The answer is -1. A tick may have written its 0 before the tool gets to read, which it tells.
   background tapping{[&] {
@@ -123,8 +103,8 @@ TEST_F(Watch, RunsAllMonitorsBesideKeysAndQueriesInSteadyMemory) {
 #endif
   background watch{
       {"sh", "-c", "exec orvctl monitor watch --interval 50 --for 12s --json >" + shown()}};
-  const std::string queries = directory_ / "queries";
-  const std::string keys = directory_ / "keys";
+  const std::string queries = host_.file("queries");
+  const std::string keys = host_.file("keys");
   background asking{[&] {
     return ask_forever({"orvctl", "--timeout", "30", "heap"}, {0}, queries);
   }};
@@ -132,7 +112,7 @@ TEST_F(Watch, RunsAllMonitorsBesideKeysAndQueriesInSteadyMemory) {
     return ask_forever({"orvctl", "--timeout", "30", "key", "tap", "KEY_MENU"}, {1, 3}, keys);
   }};
   ASSERT_TRUE(eventually([this] { return lines_of(shown()).size() > 1000; }, 60000));
-  const long resident = resident_kib(host_->pid());
+  const long resident = resident_kib(host_.pid());
   EXPECT_EQ(watch.wait(60000), 0);
   EXPECT_EQ(asking.wait(0), -1) << "a query was not answered";
   EXPECT_EQ(tapping.wait(0), -1) << "a key was not answered";
@@ -140,7 +120,7 @@ TEST_F(Watch, RunsAllMonitorsBesideKeysAndQueriesInSteadyMemory) {
   asking.signal(SIGKILL);
   tapping.signal(SIGKILL);
   run({"pkill", "-KILL", "-x", "orvctl"});  // the next test's would wait for theirs
-  EXPECT_LT(resident_kib(host_->pid()), resident + 300);
+  EXPECT_LT(resident_kib(host_.pid()), resident + 300);
   const auto shown_of = [this](const std::string& kind) {
     return std::stoi(run({"grep", "-c", "\"item\":\"" + kind + "\"", shown()}).out);
   };
@@ -188,7 +168,7 @@ TEST_F(Watch, KeepsWhatItHadWhenTheHostIsKilled) {
                     "orvctl --timeout 0.2 monitor watch cpu --interval 20 >" + shown() + " 2>" +
                         shown() + ".err"}};
   ASSERT_TRUE(eventually([this] { return lines_of(shown()).size() > 1; }));
-  host_->signal(SIGKILL);
+  host_.kill();
   EXPECT_EQ(watch.wait(10000), 3);
   const auto errors = lines_of(shown() + ".err");
   ASSERT_EQ(errors.size(), 1U);
@@ -202,9 +182,8 @@ TEST_F(Watch, KeepsWhatItHadWhenTheHostIsKilled) {
 TEST_F(Watch, GoesOnWhenTheAgentIsStartedAnew) {
   background watch{{"orvctl", "monitor", "watch", "cpu", "--interval", "20", "--csv", shown()}};
   ASSERT_TRUE(eventually([this] { return lines_of(shown()).size() > 1; }));
-  host_->signal(SIGKILL);
-  host_->wait();
-  start_host();
+  host_.kill();
+  host_.start();
   const size_t before = lines_of(shown()).size();
   EXPECT_TRUE(eventually([&] { return lines_of(shown()).size() > before; }, 10000));
   watch.signal(SIGTERM);
