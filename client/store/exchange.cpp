@@ -12,7 +12,7 @@ namespace orv_client::store {
 namespace {
 
 // Within a burst of late answers none is further from the next.
-constexpr auto longest_lull = milliseconds{20};
+constexpr auto longest_lull = milliseconds{100};
 
 // A key that holds its value already is not written: most parameters are what they were, and a
 // look takes a fifth of a write.

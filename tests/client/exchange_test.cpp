@@ -102,7 +102,7 @@ class late_agent {
     }
   }
 
-  void wake() { timer_ = g_timeout_add(5, look, this); }
+  void wake() { timer_ = g_timeout_add(1, look, this); }
   [[nodiscard]] int presses() const { return presses_; }
 
  private:
