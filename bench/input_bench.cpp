@@ -58,10 +58,10 @@ void scan_bare() {
   char text[512];
   DIR* processes = opendir("/proc");
   while (const dirent* entry = readdir(processes)) {
-    if (entry->d_name[0] < '0' || entry->d_name[0] > '9') {
+    stpcpy(stpcpy(stpcpy(path, "/proc/"), entry->d_name), "/stat");
+    if (access(path, F_OK) != 0 || entry->d_name[0] < '0' || entry->d_name[0] > '9') {
       continue;
     }
-    stpcpy(stpcpy(stpcpy(path, "/proc/"), entry->d_name), "/stat");
     const int stat = open(path, O_RDONLY | O_CLOEXEC);
     keep(read(stat, text, sizeof text));
     close(stat);
