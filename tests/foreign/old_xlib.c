@@ -1,5 +1,5 @@
-/* Xlib and XTest as far as the agent needs them at load time, with nothing that came after 2005. The
- * display is one that nobody can look into. */
+/* Xlib and XTest as far as the agent needs them at load time, with nothing that came after 2005.
+ * The display is one that nobody can look into. */
 #include <stdio.h>
 
 typedef int (*handler)(void);
