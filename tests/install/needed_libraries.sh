@@ -17,3 +17,12 @@ readelf -d "$BUILD/${SYSROOT:+target-}bin/orvctl" >orvctl.dynamic
 sed -n 's/.*(NEEDED).*\[\(.*\)\]$/\1/p' orvctl.dynamic >orvctl.needed
 expect "the tool's libraries beside the runtime" 'libglib-2.0.so.0
 liborv-client.so.0' "$(grep -vxE "$runtime" orvctl.needed | LC_ALL=C sort)"
+
+# Neither holds a piece of the stand-ins, which the camera's own libraries replace.
+pieces_in() {
+  "$NM" -C "$1" | grep -E ' (vconf|dlog|platform)::' || true
+}
+[[ $(pieces_in "$BUILD/$LIBDIR/libvconf.so.0") ]] || fail 'no piece is found in a stand-in itself'
+for file in "$BUILD/$LIBDIR/liborv-client.so" "$BUILD/${SYSROOT:+target-}bin/orvctl"; do
+  expect "pieces of the stand-ins in $file" '' "$(pieces_in "$file")"
+done
