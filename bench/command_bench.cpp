@@ -2,6 +2,7 @@
 
 #include <gio/gio.h>
 #include <orv/agent.h>
+#include <orv/client.h>
 #include <orv/protocol.h>
 #include <signal.h>
 #include <stdlib.h>
@@ -51,6 +52,34 @@ void whole_command(row& row) {
       [&] { ask(bare); });
   const int woken = agent.wake_ups() - woken_before;
   row.expect("wake-ups a command", static_cast<double>(woken) / commands, 1);
+}
+
+struct camera_closer {
+  void operator()(orv_camera* camera) const noexcept { orv_camera_close(camera); }
+};
+
+void note_reply(const orv_reply* reply, void* outcome) {
+  *static_cast<int*>(outcome) = reply->outcome;
+}
+
+void send(orv_camera* camera, const orv_request& request) {
+  int outcome = -1;
+  orv_send(camera, &request, 5000, note_reply, &outcome);
+  while (outcome < 0) {
+    g_main_context_iteration(nullptr, TRUE);
+  }
+  require(outcome == ORV_RAN, "the agent did not answer");
+}
+
+// The bare exchange is with other keys: an open camera listens to the agent's.
+void client_command(row& row) {
+  const serving_process agent{"agent"};
+  const serving_process store{"store"};
+  const std::unique_ptr<orv_camera, camera_closer> camera{orv_camera_open(nullptr, nullptr)};
+  require(camera != nullptr, "the camera cannot be opened");
+  command_client bare{bare_keys};
+  const orv_request request = orv_identity_request();
+  row.alternate([&] { send(camera.get(), request); }, [&] { ask(bare); });
 }
 
 shared_counters* loop_counters = nullptr;
@@ -150,6 +179,7 @@ void echo(GDBusConnection* /*connection*/, const gchar* /*sender*/, const gchar*
 const bool registered[] = {
     compare("command/whole", "command/bare-store", 1.05, whole_command),
     compare("command/whole", "command/dbus-echo", 0.65, whole_command_and_echo),
+    compare("command/client", "command/bare-store", 1.05, client_command),
 };
 
 }  // namespace
