@@ -12,12 +12,15 @@
 
 #define PUBLIC extern "C" __attribute__((visibility("default")))
 
-PUBLIC __attribute__((format(printf, 4, 5))) int __dlog_print(int /*log_id*/, int priority,
-                                                              const char* tag, const char* format,
-                                                              ...) {
+// NOLINTNEXTLINE(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp): the platform's name
+PUBLIC int __dlog_print(int log_id, int priority, const char* tag, const char* format, ...)
+    __attribute__((format(printf, 4, 5)));
+
+int __dlog_print(int /*log_id*/, int priority, const char* tag, const char* format, ...) {
   char text[1024];
   va_list arguments;
   va_start(arguments, format);
+  // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the checker overlooks the line above
   vsnprintf(text, sizeof text, format, arguments);
   va_end(arguments);
   std::string line = tag + (" " + std::to_string(priority)) + ": " + text;

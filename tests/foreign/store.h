@@ -45,7 +45,7 @@ inline bool send_packet(int fd, const std::string& packet, int flags = 0) {
 
 // Empty at the connection's end.
 inline std::string receive_packet(int fd) {
-  std::string packet(128 * 1024, '\0');
+  std::string packet(131072, '\0');
   const ssize_t size = recv(fd, packet.data(), packet.size(), 0);
   packet.resize(size > 0 ? static_cast<size_t>(size) : 0);
   return packet;

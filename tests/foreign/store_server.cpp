@@ -29,7 +29,7 @@ std::string answer(char what, const std::string& key, const std::string& rest) {
   if (what == 'S') {
     write_value(key, rest);
   } else if (what == 'W') {
-    watchers[atoi(rest.c_str())].insert(key);
+    watchers[std::stoi(rest)].insert(key);
   }
   return "+";
 }

@@ -72,7 +72,7 @@ PUBLIC int vconf_get_int(const char* key, int* value) {
   if (!found.starts_with('i')) {
     return -1;
   }
-  *value = atoi(found.c_str() + 1);
+  *value = static_cast<int>(strtol(found.c_str() + 1, nullptr, 10));
   return 0;
 }
 
