@@ -62,6 +62,7 @@ class camera {
   [[nodiscard]] orv_camera* get() const { return opened_.get(); }
   [[nodiscard]] const orv_reply* failure() const { return failure_.get(); }
 
+  // Where it could not be opened, the reply is that failure, once.
   [[nodiscard]] reply send(const orv_request& request, uint32_t timeout_ms);
   // The same, and prints why there is no answer.
   [[nodiscard]] answer ask(const orv_request& request, uint32_t timeout_ms);
