@@ -32,7 +32,7 @@ bool is_glib(void* caller) {
 int allocations_until_refusal = 0;
 bool counting = false;
 
-bool is_refused(void* caller) {
+[[maybe_unused]] bool is_refused(void* caller) {
   return counting && !is_glib(caller) && --allocations_until_refusal == 0;
 }
 
