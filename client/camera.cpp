@@ -101,10 +101,11 @@ orv_camera* orv_camera_open(const char* address, orv_reply** failure) try {
   return nullptr;
 }
 
-void orv_camera_close(orv_camera* camera) {
+void orv_camera_close(orv_camera* camera) try {
   if (camera == nullptr) {
     return;
   }
+  const std::unique_ptr<orv_camera> owned{camera};
   const auto state = camera->state;
   orv_client::run_on_loop([&state] {
     if (state->callbacks > 0) {
@@ -113,5 +114,5 @@ void orv_camera_close(orv_camera* camera) {
       close(*state);
     }
   });
-  delete camera;
+} catch (...) {  // no memory to have it done by the loop's thread
 }
