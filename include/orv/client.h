@@ -129,7 +129,8 @@ ORV_CLIENT_API const char* orv_default_address(void);
 
 /* Opens the camera at the address: "store:DIR", "store:" or "" for the default store, or null for
  * orv_default_address(). Needs no running host. Null on failure, and then, unless `failure` is
- * null, *failure is a reply with outcome ORV_NOT_RUN, to be freed. */
+ * null, *failure is a reply with outcome ORV_NOT_RUN, to be freed; null where there is no memory
+ * for one. */
 ORV_CLIENT_API orv_camera* orv_camera_open(const char* address, orv_reply** failure);
 
 /* Ends what is in flight: each request gets its reply (ORV_WHY_CLOSED), each watch and log its last
