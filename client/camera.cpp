@@ -70,6 +70,9 @@ void close(camera& open) {
     end();
   }
   open.carried_by->close(open.connection);
+  if (open.close_awaited != nullptr) {
+    open.close_awaited->complete();
+  }
 }
 
 }  // namespace orv_client
@@ -101,17 +104,24 @@ orv_camera* orv_camera_open(const char* address, orv_reply** failure) try {
   return nullptr;
 }
 
-void orv_camera_close(orv_camera* camera) {
+void orv_camera_close(orv_camera* camera) try {
   if (camera == nullptr) {
     return;
   }
+  const std::unique_ptr<orv_camera> owned{camera};
   const auto state = camera->state;
-  orv_client::run_on_loop([&state] {
+  const bool on_loop = g_main_context_is_owner(g_main_context_default()) != FALSE;
+  orv_client::completion closed;
+  const bool begun = orv_client::run_on_loop([&] {
+    state->close_awaited = on_loop ? nullptr : &closed;
     if (state->callbacks > 0) {
       state->close_wanted = true;
     } else {
       close(*state);
     }
   });
-  delete camera;
+  if (begun && !on_loop) {
+    closed.wait(orv_client::steady_clock::time_point::max());
+  }
+} catch (...) {  // no memory to have it done by the loop's thread
 }

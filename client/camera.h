@@ -22,8 +22,9 @@ struct camera {
   // Each ends one thing that is in flight, reporting its last event. The thing takes its entry out
   // when it ends by itself; at the close, the entry is out when it is called.
   std::list<std::function<void()>> in_flight;
-  int callbacks = 0;          // of the user's, under way
-  bool close_wanted = false;  // by one of them
+  int callbacks = 0;                    // of the user's, under way
+  bool close_wanted = false;            // meanwhile
+  completion* close_awaited = nullptr;  // by another thread
 };
 
 // Around a call of a user's callback: a close within it takes place when this goes.

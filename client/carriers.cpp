@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <dlfcn.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <memory>
@@ -73,13 +74,13 @@ const carrier* find_carrier(const std::string& scheme, std::string& why) {
   if (scheme == store_carrier.scheme) {
     return &store_carrier;
   }
-  std::string fault;
   const std::string name = std::string{module_start} + scheme + std::string{module_end};
-  const carrier* found = is_scheme(scheme) ? load(module_directory() + name, fault) : nullptr;
-  if (found == nullptr) {
-    why = "no carrier for \"" + scheme + ":\"; there is: " + known_schemes();
+  const std::string path = module_directory() + name;
+  if (is_scheme(scheme) && access(path.c_str(), F_OK) == 0) {
+    return load(path, why);
   }
-  return found;
+  why = "no carrier for \"" + scheme + ":\"; there is: " + known_schemes();
+  return nullptr;
 }
 
 }  // namespace orv_client

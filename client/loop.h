@@ -22,7 +22,6 @@ struct time_limit {
   uint32_t ms;
 
   static time_limit of(uint32_t ms) { return {steady_clock::now() + milliseconds{ms}, ms}; }
-  [[nodiscard]] bool over() const { return steady_clock::now() >= end; }
 };
 
 // Something to be done on the default main context; not at all once this is destroyed. What is done

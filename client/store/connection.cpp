@@ -23,26 +23,31 @@ bool is_first(const std::string& place) {
                           same_directory(directory_of(*first_place), directory_of(place)));
 }
 
-// Names the store to the platform, which looks at that when it first finds one; until then, no
-// longer than this lives.
+// Names the store to the platform, or none for the default one. The platform looks at that when it
+// first finds a store; until then, it is named no longer than this lives.
 class naming {
  public:
   explicit naming(const std::string& place) {
     const char* named = getenv(variable);
-    if (!first_place && !place.empty() && (named == nullptr || place != named)) {
-      before_ = named != nullptr ? named : "";
-      setenv(variable, place.c_str(), 1);
+    const std::string before = named != nullptr ? named : "";
+    if (!first_place && place != before) {
+      before_ = before;
+      name(place);
     }
   }
   naming(const naming&) = delete;
   naming& operator=(const naming&) = delete;
   ~naming() {
     if (before_ && !first_place) {
-      before_->empty() ? unsetenv(variable) : setenv(variable, before_->c_str(), 1);
+      name(*before_);
     }
   }
 
  private:
+  static void name(const std::string& place) {
+    place.empty() ? unsetenv(variable) : setenv(variable, place.c_str(), 1);
+  }
+
   static constexpr char variable[] = "ORV_PLATFORM_ROOT";
   std::optional<std::string> before_;
 };

@@ -73,10 +73,10 @@ exchange::~exchange() {
   }
 }
 
-// What is in the queue of changes right before the command is written answers something else. Once
-// it is written that cannot be told any more: the kernel serves the watchers of a change one by
-// one, so an agent on another processor can have answered before this process hears of its own
-// write.
+// What is in the queue of changes right before the command is written answers something else, so it
+// is taken out first. Afterwards it could not be distinguished from the answer: the kernel serves
+// the watchers of a change one by one, so an agent on another processor can have answered before
+// this process hears of its own write.
 void exchange::write_when_quiet() {
   phase_ = phase::preparing;
   next_ = source::when_quiet([this] { write_command(); });
@@ -153,8 +153,8 @@ void exchange::give_up() {
   }
 }
 
-// An agent that was frozen reads the command key when it wakes. The store tells it of this write
-// too, so one more answer may come.
+// An agent that was frozen reads the command key when it wakes. It is notified of this write too,
+// so one more answer may come.
 void exchange::withdraw() {
   if (sent_.code == ORV_COMMAND_EVENT) {
     file_.set_answers_outstanding(outstanding_ + 1);

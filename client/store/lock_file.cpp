@@ -95,10 +95,10 @@ source soon;
 class claims {
  public:
   static void add(claim& one) {
-    waiting.add(one);
     if (!retry.pending()) {
       retry = source::every(retry_interval, look);
     }
+    waiting.add(one);  // last: a claim whose making fails must not stay in there
   }
   static void remove(claim& one) {
     waiting.remove(one);

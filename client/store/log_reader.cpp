@@ -40,6 +40,15 @@ std::string failure_of(int status) {
   return "";
 }
 
+// A program's signal handlers may interrupt the wait.
+bool await_end(GPid child, int& status) {
+  pid_t ended = -1;
+  do {
+    ended = waitpid(child, &status, 0);
+  } while (ended < 0 && errno == EINTR);
+  return ended == child;
+}
+
 }  // namespace
 
 log_reader* log_reader::start(bool follow, carried_line_fn on_line, void* user_data) {
@@ -125,7 +134,7 @@ void log_reader::end_child() {
     close(output_);
     kill(child, SIGKILL);
     int status = 0;
-    if (waitpid(child, &status, 0) == child) {
+    if (await_end(child, status)) {
       how_.message = failure_of(status);
       how_.result = how_.message.empty() ? ORV_RESULT_OK : ORV_RESULT_FAILED;
     }

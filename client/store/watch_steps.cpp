@@ -15,7 +15,7 @@ namespace {
 // Programs that ask one query after the other would have the packet for ever.
 constexpr milliseconds longest_loan{1000};
 constexpr milliseconds loan_look_interval{5};
-// With other programs, each of which waits for an answer as long as it was told to.
+// How long other programs may keep a right: each of them waits for an answer until its own limit.
 constexpr uint32_t patience_ms = 60000;
 
 }  // namespace
@@ -110,8 +110,8 @@ void watch::take_the_rest() {
   next();
 }
 
-// Nobody else writes the key now. That the write is heard of parts what was before it from what
-// the monitors write next.
+// No other program writes the key now, so the next change that is heard of is this one, and all
+// later ones are the monitors'.
 void watch::empty_packet() {
   if (vconf_set_str(VCONFKEY_ORV_RESULT_DATA, "") != 0) {
     return end(store_failed(directory_));

@@ -31,7 +31,7 @@ whole_command::whole_command(connection& of, const orv_request& request, time_li
       on_reply_{on_reply},
       user_data_{user_data},
       needs_packet_{overwrites_packet(sent_)},
-      next_{source::at(limit.end, [this] { end(busy(of_.directory, limit_)); })} {}
+      next_{source::at(limit.end, [this] { end_busy(); })} {}
 
 whole_command::~whole_command() {
   packet_claim_.reset();
@@ -84,7 +84,7 @@ void whole_command::take_packet() {
   }
   packet_claim_ = std::make_unique<claim>(
       *of_.rights, right::packet, limit_.end,
-      [this](bool taken) { taken ? take_turn() : end(busy(of_.directory, limit_)); });
+      [this](bool taken) { taken ? go_on(&whole_command::take_turn) : end_busy(); });
 }
 
 void whole_command::take_turn() {
@@ -92,7 +92,7 @@ void whole_command::take_turn() {
     use_turn();
   } else {
     turn_->take(limit_,
-                [this](bool taken) { taken ? use_turn() : end(busy(of_.directory, limit_)); });
+                [this](bool taken) { taken ? go_on(&whole_command::use_turn) : end_busy(); });
   }
 }
 
@@ -112,7 +112,7 @@ void whole_command::use_turn() {
 void whole_command::settle() {
   turn_->settle(limit_, [this](ending how) {
     if (how.outcome == ORV_RAN) {
-      ask();
+      go_on(&whole_command::ask);
     } else {
       end(not_run(how.why, std::move(how.message)));
     }
@@ -122,6 +122,20 @@ void whole_command::settle() {
 void whole_command::ask() {
   asking_ = true;
   turn_->ask(sent_, limit_, [this](ending how) { end(std::move(how)); });
+}
+
+// In a callback, where an exception would leave this without an end. Nothing was sent then: that is
+// the last of what the steps do.
+void whole_command::go_on(step next) {
+  try {
+    (this->*next)();
+  } catch (...) {
+    end(not_run(ORV_WHY_NO_MEMORY, "out of memory"));
+  }
+}
+
+void whole_command::end_busy() {
+  end(busy(of_.directory, limit_));
 }
 
 void whole_command::end_soon(ending how) {
@@ -149,7 +163,10 @@ void whole_command::leave() {
   commands.erase(std::find_if(commands.begin(), commands.end(),
                               [this](const auto& one) { return one.get() == this; }));
   if (first && !commands.empty()) {
-    commands.front()->begin();
+    try {
+      commands.front()->begin();
+    } catch (...) {  // memory ran out: it ends at its time limit
+    }
   }
 }
 

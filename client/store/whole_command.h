@@ -29,12 +29,16 @@ class whole_command {
   orv_outcome cancel();
 
  private:
+  using step = void (whole_command::*)();
+
   void begin();
   void take_packet();
   void take_turn();
   void use_turn();
   void settle();
   void ask();
+  void go_on(step next);
+  void end_busy();
   void end_soon(ending how);
   void end(ending how);
   void leave();

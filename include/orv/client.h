@@ -129,7 +129,8 @@ ORV_CLIENT_API const char* orv_default_address(void);
 
 /* Opens the camera at the address: "store:DIR", "store:" or "" for the default store, or null for
  * orv_default_address(). Needs no running host. Null on failure, and then, unless `failure` is
- * null, *failure is a reply with outcome ORV_NOT_RUN, to be freed. */
+ * null, *failure is a reply with outcome ORV_NOT_RUN, to be freed; null where there is no memory
+ * for one. */
 ORV_CLIENT_API orv_camera* orv_camera_open(const char* address, orv_reply** failure);
 
 /* Ends what is in flight: each request gets its reply (ORV_WHY_CLOSED), each watch and log its last
@@ -175,7 +176,8 @@ ORV_CLIENT_API orv_request orv_health_request(void);
 
 /* Sends the request; a camera's requests run in the order in which they were sent. `on_reply`,
  * which may be null, is called exactly once, at the latest at the deadline, `timeout_ms` (1 or
- * more) from now, and never before this returns. The time to wait for a turn is part of it. */
+ * more) from now. The time to wait for a turn is part of it. It is not called from within this
+ * function, but where another thread runs the loop, it may be called before this returns. */
 ORV_CLIENT_API void orv_send(orv_camera* camera, const orv_request* request, uint32_t timeout_ms,
                              orv_reply_fn on_reply, void* user_data);
 
@@ -252,7 +254,7 @@ typedef void (*orv_watch_fn)(orv_watch* watch, const orv_watch_event* event, voi
  * each item once and in order, and keeps the packet from filling up. Meanwhile no other program can
  * start or stop a monitor, and a query waits for a tick of the slowest one. Ends with
  * ORV_WATCH_ENDED, exactly once, after orv_watch_stop or a failure; `watch` is then gone. Null only
- * when there is no memory. The first event comes after this returns. */
+ * when there is no memory. The first event comes as a reply to orv_send does. */
 ORV_CLIENT_API orv_watch* orv_watch_start(orv_camera* camera, const orv_watch_options* options,
                                           orv_watch_fn on_event, void* user_data);
 

@@ -200,9 +200,9 @@ class camera {
   std::unique_ptr<orv_camera, closer> owned_;
 };
 
-// A watch of the monitors, and below the log as it grows. They and their camera may go in any
-// order, on the thread of the default main context; what is still running is then stopped, and its
-// function is not called any more.
+// A watch of the monitors, and below the log as it grows. They are made and destroyed on the thread
+// of the default main context, before or after their camera; what is still running is then stopped,
+// and its function is not called any more.
 class watch : public detail::session<orv_watch, event_function, orv_watch_stop> {
  public:
   watch(const camera& of, const orv_watch_options& options, event_function on_event)

@@ -68,14 +68,6 @@ root_name root_path() {
   return name;
 }
 
-root_check check_root(const char* path) {
-  struct stat status {};
-  if (lstat(path, &status) != 0) {
-    return failure(path, errno, false);
-  }
-  return judge(path, status);
-}
-
 int open_root(bool make, root_check& why) {
   const root_name path = root_path();
   int fd = open_directory(path.text);

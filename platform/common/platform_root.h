@@ -24,8 +24,6 @@ struct root_check {
   char reason[PATH_MAX + 128];
 };
 
-root_check check_root(const char* path);
-
 // A descriptor of the checked root (O_PATH, close-on-exec), or -1 with the reason in `why`.
 // With `make`, a missing root is made, closed to others.
 int open_root(bool make, root_check& why);

@@ -36,7 +36,7 @@ constexpr meminfo_row memory_table[] = {
 owned_text room_for_packet(const char* function) {
   owned_text room{static_cast<char*>(malloc(ORV_PACKET_MAX_TEXT))};
   if (!room) {
-    log_line(log_level::error, __FILE_NAME__, function, __LINE__, "Could not acllocate memory \n");
+    log_line(log_level::error, ORV_LOG_FILE, function, __LINE__, "Could not acllocate memory \n");
     exit(1);
   }
   return room;

@@ -64,7 +64,7 @@ bool append_item(const packet& old, uint32_t tick_count, const thread_groups& gr
 owned_text allocate(size_t size, const char* function) {
   owned_text memory{static_cast<char*>(malloc(size))};
   if (!memory) {
-    log_line(log_level::error, __FILE_NAME__, function, __LINE__, " ERROR in Memory allocation\n");
+    log_line(log_level::error, ORV_LOG_FILE, function, __LINE__, " ERROR in Memory allocation\n");
   }
   return memory;
 }
