@@ -179,6 +179,7 @@ void watch::finish() {
   phase_ = phase::finishing;
   then(&watch::take_turn);
   then_stop_the_watched();
+  then(&watch::settle_after_stops);
   then(&watch::end_here);
   next();
 }
