@@ -9,11 +9,9 @@
 #include <string>
 #include <utility>
 
-#include "output.h"
+#include "exit_status.h"
 
 namespace orvctl {
-
-enum class exit_status { success = 0, failure = 1, usage = 2, no_answer = 3 };
 
 constexpr uint32_t usual_timeout_ms = 5000;
 // Of what samples stacks: the target runs a shell command for each of its threads.

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iterator>
+#include <sstream>
 #include <string_view>
 
 #include "subcommands.h"
@@ -34,7 +35,7 @@ bool may_be_meant(const subcommand_row& one, std::span<char* const> words) {
 constexpr char footer[] =
     "Exit status:\n"
     "  0 the agent answered with success, 1 it answered with failure,\n"
-    "  2 wrong usage or store, 3 no answer in time.\n\n"
+    "  2 wrong usage or store, 3 no answer in time, 5 output could not be written.\n\n"
     "Environment:\n"
     "  ORV_CAMERA is the camera's address; --camera and --store go before it.\n"
     "  ORV_PLATFORM_ROOT names the store's directory where no address is given.\n\n"
@@ -106,7 +107,10 @@ void describe_program(CLI::App& app, context& shared, job& chosen, std::span<cha
   app.footer(footer);  // last: a subcommand takes over the footer that is there when it is added
 }
 
-int run_program(std::span<char* const> words) {
+namespace {
+
+// Parses the words and runs the subcommand.
+exit_status obey(std::span<char* const> words) {
   CLI::App app;
   context shared;
   job chosen;
@@ -114,10 +118,19 @@ int run_program(std::span<char* const> words) {
   try {
     app.parse(static_cast<int>(words.size()), words.data());
   } catch (const CLI::ParseError& error) {
-    const bool helped = app.exit(error) == 0;
-    return static_cast<int>(helped ? exit_status::success : exit_status::usage);
+    std::ostringstream help;
+    const bool helped = app.exit(error, help) == 0;
+    shared.out.write(help.str());
+    return helped ? exit_status::success : exit_status::usage;
   }
-  return static_cast<int>(chosen());
+  return chosen();
+}
+
+}  // namespace
+
+int run_program(std::span<char* const> words) {
+  hold_standard_descriptors();
+  return end_with(finish(output{}, obey(words)));
 }
 
 }  // namespace orvctl

@@ -1,7 +1,5 @@
 // The agent's log.
 
-#include <signal.h>
-
 #include <memory>
 #include <string>
 
@@ -43,11 +41,7 @@ exit_status log_reading::run(const context& shared) {
     run_main_loop_once();
   }
   // Whoever stopped this learns that it was not the log that ended.
-  if (signals.caught() != 0 && out_.flush()) {
-    signal(signals.caught(), SIG_DFL);
-    raise(signals.caught());
-  }
-  return status_;
+  return signals.caught() != 0 ? by_signal(signals.caught()) : status_;
 }
 
 void log_reading::on_line(orv_log* /*log*/, const char* line, const char* message, void* self) {

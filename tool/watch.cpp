@@ -169,16 +169,13 @@ void watching::take(const orv_item& item) {
   items_.write(to_text_(item));
 }
 
-// A reader that has enough ends the watch in good order. A file that takes no more ends it too.
+// A reader that has enough ends the watch in good order, as does a file that takes no more.
 void watching::flush(size_t packet_bytes) {
   packet_bytes_ = packet_bytes;
   if (lost_ || items_.flush()) {
     return;
   }
   lost_ = true;
-  if (csv_ != nullptr) {
-    warn(given_.csv_path + ": " + strerror(errno));
-  }
   stop();
 }
 
@@ -211,7 +208,8 @@ exit_status watch_monitors(const context& shared, const watch_words& given) {
     complain(given.csv_path + ": " + strerror(errno));
     return exit_status::usage;
   }
-  return watching{shared, given, csv ? &*csv : nullptr}.run();
+  const exit_status status = watching{shared, given, csv ? &*csv : nullptr}.run();
+  return csv ? finish(*csv, status) : status;
 }
 
 }  // namespace orvctl

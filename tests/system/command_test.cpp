@@ -174,6 +174,33 @@ TEST_F(Camera, ShowsItsLogUntilItIsStopped) {
   EXPECT_EQ(run({"sh", "-c", "orvctl log | head -n 1 >/dev/null"}).status, 0);
 }
 
+TEST_F(Camera, TellsThatItsOutputIsLost) {
+  const char* const rows[] = {"target",
+                              "stack --json",
+                              "touch press 1 1; orvctl heap",
+                              "send target_info",
+                              "log --dump",
+                              "key --list",
+                              "monitor start heap",
+                              "monitor watch --for 100ms",
+                              "monitor watch heap --for 1100ms --csv /dev/full",
+                              "--help",
+                              "key tap --help"};
+  for (const char* const words : rows) {
+    SCOPED_TRACE(words);
+    const outcome told = run({"sh", "-c", std::string{"exec >/dev/full; orvctl "} + words});
+    EXPECT_EQ(told.status, 5);
+    EXPECT_THAT(told.err, HasSubstr(": No space left on device; output is lost\n"));
+  }
+  EXPECT_EQ(run({"sh", "-c", "orvctl target >&-"}).status, 5);
+  // A pipe whose reader has gone.
+  const outcome told =
+      run({"sh", "-c",
+           "mkfifo /tmp/gone; exec 3<>/tmp/gone >/tmp/gone; exec 3>&-; rm /tmp/gone;"
+           "orvctl target"});
+  EXPECT_EQ(told.status, 128 + SIGPIPE) << told.err;
+}
+
 TEST(Tool, ListsTheCamerasKeys) {
   EXPECT_THAT(run({"orvctl", "key", "--list"}).out, testing::ContainsRegex("\nKEY_MENU +135\n"));
 }
