@@ -33,8 +33,6 @@ struct reply_freer {
 // Null where there was no memory for one.
 using reply = std::unique_ptr<orv_reply, reply_freer>;
 
-exit_status status_of(const orv_reply* found);
-exit_status status_of_result(int32_t result);
 // Prints why there is no answer. The status.
 exit_status refuse(const orv_reply* found);
 

@@ -33,9 +33,7 @@ bool may_be_meant(const subcommand_row& one, std::span<char* const> words) {
 }
 
 constexpr char footer[] =
-    "Exit status:\n"
-    "  0 the agent answered with success, 1 it answered with failure,\n"
-    "  2 wrong usage or store, 3 no answer in time, 5 output could not be written.\n\n"
+    "\n"
     "Environment:\n"
     "  ORV_CAMERA is the camera's address; --camera and --store go before it.\n"
     "  ORV_PLATFORM_ROOT names the store's directory where no address is given.\n\n"
@@ -104,7 +102,8 @@ void describe_program(CLI::App& app, context& shared, job& chosen, std::span<cha
       one.add(program, shared);
     }
   }
-  app.footer(footer);  // last: a subcommand takes over the footer that is there when it is added
+  app.footer("Exit status:\n" + exit_statuses() +
+             footer);  // last: a subcommand takes over the footer that is there when it is added
 }
 
 namespace {
@@ -121,7 +120,7 @@ exit_status obey(std::span<char* const> words) {
     std::ostringstream help;
     const bool helped = app.exit(error, help) == 0;
     shared.out.write(help.str());
-    return helped ? exit_status::success : exit_status::usage;
+    return helped ? exit_status::done : exit_status::usage;
   }
   return chosen();
 }

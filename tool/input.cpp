@@ -21,7 +21,7 @@ struct injection {
 };
 
 exit_status show_verdict(const output& out, const injection& one, const answer& verdict) {
-  if (verdict.status() == exit_status::success) {
+  if (verdict.status() == exit_status::done) {
     out.print("%s: done\n", one.what.c_str());
   } else {
     complain(format(
@@ -37,7 +37,7 @@ exit_status show_verdict(const output& out, const injection& one, const answer& 
 // went down has to come up.
 exit_status inject(const context& shared, const std::vector<injection>& wanted) {
   camera target{shared};
-  exit_status worst = exit_status::success;
+  exit_status worst = exit_status::done;
   for (const injection& one : wanted) {
     const answer verdict = target.ask(one.request, shared.timeout_ms());
     if (!verdict) {
@@ -93,7 +93,7 @@ exit_status list_keys(const output& out) {
   for (const orv_key& key : std::span{keys, count}) {
     out.print("%-16s %d\n", key.name, key.keycode);
   }
-  return exit_status::success;
+  return exit_status::done;
 }
 
 void add_key_action(const subcommand& key, context& shared, const key_action& action) {

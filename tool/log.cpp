@@ -24,7 +24,7 @@ class log_reading {
   const output& out_;
   bool follow_;
   orv_log* log_ = nullptr;
-  exit_status status_ = exit_status::success;
+  exit_status status_ = exit_status::done;
 };
 
 exit_status log_reading::run(const context& shared) {
@@ -61,7 +61,7 @@ void log_reading::end(const std::string& message) {
   log_ = nullptr;
   if (!message.empty()) {
     complain(message);
-    status_ = exit_status::usage;
+    status_ = exit_status::not_run;
   }
 }
 

@@ -42,7 +42,7 @@ exit_status stop_monitor(const context& shared, const monitor_kind& kind) {
   const answer got =
       camera{shared}.ask(orv_monitor_stop_request(kind.monitor), shared.timeout_ms());
   if (got) {
-    const bool well = got.status() == exit_status::success;
+    const bool well = got.status() == exit_status::done;
     shared.out.print("%s monitor stopped%s\n", kind.name,
                      well ? "" : "; the camera application is not well");
   }

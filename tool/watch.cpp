@@ -107,7 +107,7 @@ class watching {
   orv_watch* watch_ = nullptr;
   size_t packet_bytes_ = 0;
   bool lost_ = false;  // items that could not be written
-  exit_status status_ = exit_status::success;
+  exit_status status_ = exit_status::done;
 };
 
 watching::watching(const context& shared, const watch_words& given, const output* csv)
@@ -182,7 +182,7 @@ void watching::flush(size_t packet_bytes) {
 void watching::warn(const std::string& message) {
   progress_.clear();
   complain(message);
-  status_ = exit_status::failure;
+  status_ = exit_status::refused;
 }
 
 void watching::end(const orv_reply& reply) {
@@ -206,7 +206,7 @@ exit_status watch_monitors(const context& shared, const watch_words& given) {
   std::optional<output> csv;
   if (!given.csv_path.empty() && !csv.emplace(given.csv_path)) {
     complain(given.csv_path + ": " + strerror(errno));
-    return exit_status::usage;
+    return exit_status::not_run;
   }
   const exit_status status = watching{shared, given, csv ? &*csv : nullptr}.run();
   return csv ? finish(*csv, status) : status;

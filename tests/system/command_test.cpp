@@ -89,7 +89,7 @@ TEST_F(Camera, IsSilentOnCodesWithoutAHandler) {
 TEST_F(Camera, LateAnswersAreNotTakenForNewOnes) {
   host_->signal(SIGSTOP);
   EXPECT_EQ(run({"orvctl", "--timeout", "0.1", "send", "0x208"}).status, 3);
-  EXPECT_EQ(run({"orvctl", "--timeout", "0.1", "send", "0x208"}).status, 3);
+  EXPECT_EQ(run({"orvctl", "--timeout", "0.1", "send", "0x208"}).status, 4);
   host_->signal(SIGCONT);
   // Nothing answers this code: whatever comes now is late.
   const outcome told = run({"orvctl", "--timeout", "0.3", "send", "0x999"});
@@ -152,7 +152,7 @@ TEST_F(Camera, IsReachedByAnyOfItsNames) {
     EXPECT_EQ(run(words).status, 0);
   }
   const outcome lost = run({"env", "ORV_CAMERA=store:/nonexistent", "orvctl", "target"});
-  EXPECT_EQ(lost.status, 2);
+  EXPECT_EQ(lost.status, 4);
   EXPECT_THAT(lost.err, HasSubstr("store /nonexistent: No such file or directory; is a host"));
 }
 
@@ -205,6 +205,23 @@ TEST(Tool, ListsTheCamerasKeys) {
   EXPECT_THAT(run({"orvctl", "key", "--list"}).out, testing::ContainsRegex("\nKEY_MENU +135\n"));
 }
 
+TEST(Tool, TellsWhatHasCertainlyNotRun) {
+  const std::pair<std::vector<std::string>, const char*> rows[] = {
+      {{"orvctl", "target", "--store", "/nonexistent"}, "/nonexistent: No such file"},
+      {{"orvctl", "target", "--store", "/etc/passwd"}, "is not a directory"},
+      {{"orvctl", "monitor", "watch", "--csv", "/nonexistent/items"}, "/items: No such file"},
+      {{"sh", "-c", "PATH=/nonexistent exec $(command -v orvctl) log --dump"}, "log's reader"},
+  };
+  for (const auto& [words, message] : rows) {
+    SCOPED_TRACE(message);
+    const outcome told = run(words);
+    EXPECT_EQ(told.status, 4);
+    EXPECT_THAT(told.err, HasSubstr(message));
+    EXPECT_EQ(one_line(told), 1) << told.err;
+  }
+  EXPECT_FALSE(std::filesystem::exists("/nonexistent"));
+}
+
 TEST(Tool, TellsWrongUsageInOneLine) {
   const std::pair<std::vector<std::string>, const char*> rows[] = {
       {{"orvctl"}, "subcommand"},
@@ -219,8 +236,6 @@ TEST(Tool, TellsWrongUsageInOneLine) {
       {{"orvctl", "key", "release", "zzzz"}, "orvctl key --list names them all"},
       {{"orvctl", "touch", "tap", "400"}, "Y is required"},
       {{"orvctl", "target", "--timeout", "-1"}, "timeout"},
-      {{"orvctl", "target", "--store", "/nonexistent"}, "/nonexistent: No such file"},
-      {{"orvctl", "target", "--store", "/etc/passwd"}, "is not a directory"},
       {{"orvctl", "target", "--camera", "/nonexistent"}, "/nonexistent"},
       {{"orvctl", "target", "-c", "nowhere:x"}, "nowhere"},
       {{"orvctl", "target", "-c", "store:x", "--store", "x"}, "excludes"},
@@ -235,7 +250,6 @@ TEST(Tool, TellsWrongUsageInOneLine) {
     EXPECT_EQ(one_line(told), 1) << told.err;
   }
   EXPECT_EQ(number_at(VCONFKEY_ORV_COMMAND), 7) << "a command was written";
-  EXPECT_FALSE(std::filesystem::exists("/nonexistent"));
 }
 
 TEST(Host, TellsWhyItCannotStart) {

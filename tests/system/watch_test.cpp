@@ -151,7 +151,7 @@ TEST_F(Watch, HasTheMonitorsToItself) {
         {"orvctl", "send", "monitor", "1", "0"},
         {"orvctl", "--timeout", "0.1", "monitor", "watch", "heap"}}) {
     const outcome told = run(words);
-    EXPECT_EQ(told.status, 3) << told.out;
+    EXPECT_EQ(told.status, 4) << told.out;
     EXPECT_THAT(told.err, HasSubstr("another orvctl watches the monitors"));
   }
   EXPECT_EQ(run({"orvctl", "stack"}).status, 0);
