@@ -41,7 +41,7 @@ exit_status log_reading::run(const context& shared) {
     run_main_loop_once();
   }
   // Whoever stopped this learns that it was not the log that ended.
-  return signals.caught() != 0 ? by_signal(signals.caught()) : status_;
+  return signals.status(status_);
 }
 
 void log_reading::on_line(orv_log* /*log*/, const char* line, const char* message, void* self) {

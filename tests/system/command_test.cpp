@@ -7,8 +7,11 @@
 #include <stdlib.h>
 #include <vconf.h>
 
+#include <chrono>
 #include <filesystem>
+#include <random>
 #include <string>
+#include <thread>
 
 #include "emulation.h"
 #include "keys.h"
@@ -136,6 +139,32 @@ TEST_F(Camera, TellsWhatAFailedInjectionMayMean) {
   }
   EXPECT_EQ(number_at(VCONFKEY_ORV_COMMAND_PARAM3), 700);
   EXPECT_EQ(number_at(VCONFKEY_ORV_COMMAND_PARAM4), 250);
+}
+
+// What the store carried last is what the agent was told last.
+TEST_F(Camera, LiftsTheFingerWheneverTheToolIsInterrupted) {
+  const std::vector<std::string> touches[] = {
+      {"sh", "-c", "exec orvctl swipe 1 2 3 4 2>/dev/null"},
+      {"sh", "-c", "exec orvctl touch tap 1 2 2>/dev/null"}};
+  const auto start = std::chrono::steady_clock::now();
+  ASSERT_EQ(run(touches[0]).status, 1) << "there is no display";
+  const std::chrono::duration<double> usual = std::chrono::steady_clock::now() - start;
+  const auto seed = std::random_device{}();
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  std::mt19937 random{seed};
+  std::uniform_real_distribution<double> moment{0, 1.2};
+  int interrupted = 0;
+  for (int round = 0; round < 100; ++round) {
+    background touch{touches[round % 2]};
+    std::this_thread::sleep_for(usual * moment(random));
+    const int number = round % 4 < 2 ? SIGINT : SIGTERM;
+    touch.signal(number);
+    const int status = touch.wait();
+    EXPECT_THAT(status, testing::AnyOf(1, 128 + number));
+    interrupted += status == 128 + number ? 1 : 0;
+    ASSERT_EQ(number_at(VCONFKEY_ORV_COMMAND_PARAM2), ORV_RELEASE) << "round " << round;
+  }
+  EXPECT_GT(interrupted, 10);
 }
 
 TEST_F(Camera, IsReachedByAnyOfItsNames) {
