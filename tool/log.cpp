@@ -35,7 +35,8 @@ exit_status log_reading::run(const context& shared) {
   const stop_signals signals{[this] { stop(); }};
   log_ = orv_log_start(target.get(), follow_ ? 1 : 0, on_line, this);
   if (log_ == nullptr) {
-    return refuse(nullptr);
+    refuse(nullptr);
+    return exit_status::not_run;
   }
   while (log_ != nullptr) {
     run_main_loop_once();

@@ -114,7 +114,9 @@ void add_watch(const subcommand& monitor, context& shared) {
       "commands work but for those to the monitors; a query waits for a tick of the slowest\n"
       "monitor. Times are since the agent's start, free memory is told modulo 4 GiB. A tick of\n"
       "stack takes the target about 20 ms for each of its threads: unless --timeout says\n"
-      "otherwise, an answer is waited for 30 s then. Exit status 1: items may be missing.");
+      "otherwise, an answer is waited for 30 s then. Exit status 1: items may be missing.\n"
+      "Ctrl-C, with --for as without, ends a watch with its summary and then the program by that\n"
+      "signal (130 in a shell); a second one ends it at once, with the monitors left running.");
   const auto given = std::make_shared<watch_words>();
   add_watched(watch, given->kinds);
   watch.value({.name = "--for", .help = "How long, as in 30s, 500ms, 2m or 1h"},

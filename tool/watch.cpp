@@ -128,14 +128,15 @@ exit_status watching::run() {
   const orv_watch_options options = options_of(shared_, given_);
   watch_ = orv_watch_start(target.get(), &options, on_event, this);
   if (watch_ == nullptr) {
-    return refuse(nullptr);
+    refuse(nullptr);
+    return exit_status::not_run;
   }
   while (watch_ != nullptr) {
     run_main_loop_once();
   }
   progress_.clear();
   shared_.out.write(shared_.json ? summary_.to_json() : summary_.to_lines());
-  return status_;
+  return signals.status(status_);
 }
 
 void watching::on_event(orv_watch* /*watch*/, const orv_watch_event* event, void* self) {

@@ -89,7 +89,7 @@ TEST_F(Watch, LosesNoItemAndShowsNoneTwiceWhileOthersCommandAndAsk) {
   asking.signal(SIGKILL);
   tapping.signal(SIGKILL);
   watch.signal(SIGINT);
-  EXPECT_EQ(watch.wait(10000), 0);
+  EXPECT_EQ(watch.wait(10000), 128 + SIGINT);
   expect_each_thread_once();
 }
 
@@ -180,14 +180,43 @@ TEST_F(Watch, KeepsWhatItHadWhenTheHostIsKilled) {
 }
 
 TEST_F(Watch, GoesOnWhenTheAgentIsStartedAnew) {
-  background watch{{"orvctl", "monitor", "watch", "cpu", "--interval", "20", "--csv", shown()}};
+  background watch{
+      {"sh", "-c",
+       "exec orvctl monitor watch cpu --interval 20 --csv " + shown() + " 2>" + shown() + ".err"}};
   ASSERT_TRUE(eventually([this] { return lines_of(shown()).size() > 1; }));
   host_.kill();
   host_.start();
   const size_t before = lines_of(shown()).size();
   EXPECT_TRUE(eventually([&] { return lines_of(shown()).size() > before; }, 10000));
   watch.signal(SIGTERM);
-  EXPECT_EQ(watch.wait(10000), 1) << "what the agent's start wiped may have held more";
+  EXPECT_EQ(watch.wait(10000), 128 + SIGTERM);
+  EXPECT_EQ(lines_of(shown() + ".err").size(), 1U)
+      << "what the agent's start wiped may have held more";
+}
+
+TEST_F(Watch, EndsByTheSignalThatCutsItShort) {
+  const auto started = [this](const char* duration) {
+    fs::remove(shown());
+    return std::vector<std::string>{
+        "sh", "-c",
+        std::string{"exec orvctl monitor watch cpu --interval 20 "} + duration + " >" + shown()};
+  };
+  for (const char* const duration : {"--for 30s", ""}) {
+    SCOPED_TRACE(duration);
+    background watch{started(duration)};
+    ASSERT_TRUE(eventually([this] { return !lines_of(shown()).empty(); }));
+    watch.signal(SIGINT);
+    EXPECT_EQ(watch.wait(10000), 128 + SIGINT);
+    EXPECT_THAT(lines_of(shown()), testing::Contains("seen running, times by thread:"));
+  }
+  background watch{started("--for 30s")};
+  ASSERT_TRUE(eventually([this] { return !lines_of(shown()).empty(); }));
+  kill(host_.pid(), SIGSTOP);
+  watch.signal(SIGTERM);
+  EXPECT_EQ(watch.wait(300), -1) << "the monitors were not stopped";
+  watch.signal(SIGTERM);
+  EXPECT_EQ(watch.wait(500), 128 + SIGTERM);
+  kill(host_.pid(), SIGCONT);
 }
 
 TEST_F(Watch, EndsWithItsReader) {
