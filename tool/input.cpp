@@ -108,6 +108,12 @@ struct point {
   std::optional<int> y;
 };
 
+void add_misnomers(const subcommand& above) {
+  above.misnomer("hold", "press");
+  above.misnomer("down", "press");
+  above.misnomer("up", "release");
+}
+
 constexpr char places[] = "The screen's top left corner is 0 0.";
 constexpr char interrupted[] =
     "\nCtrl-C and SIGTERM wait for the finger to be lifted. After SIGKILL it may stay down:\n"
@@ -167,6 +173,7 @@ void add_key(const subcommand& program, context& shared) {
   for (const key_action& action : key_actions) {
     add_key_action(key, shared, action);
   }
+  add_misnomers(key);
   key.run([&shared, listed] {
     return *listed ? list_keys(shared.out)
                    : refuse_words("tap, press, release or --list is required");
@@ -186,6 +193,7 @@ void add_touch(const subcommand& program, context& shared) {
   const auto tap = [&shared](const point& at) { return press_and_release(shared, at, at); };
   add_touch_command(touch, "tap", "Put a finger down and lift it", tap)
       .footer(std::string{places} + interrupted);
+  add_misnomers(touch);
   add_touch_command(touch, "press", "Put a finger down", one(ORV_TOUCH_PRESS));
   add_touch_command(touch, "release", "Move the finger there and lift it", one(ORV_TOUCH_RELEASE));
 }

@@ -56,7 +56,7 @@ std::string read_monitor(const std::string& name, const monitor_kind*& kind) {
 
 std::string read_duration(const std::string& text, std::optional<milliseconds>& duration) {
   duration = parse_duration(text);
-  return duration ? "" : "\"" + text + "\" is no time, as in 30s, 500ms, 2m or 1h";
+  return duration ? "" : "\"" + text + "\" is no time, as in 30s, 1.5s, 500ms, 2m or 1h";
 }
 
 void add_kind(const subcommand& command, const monitor_kind*& kind) {
@@ -126,7 +126,7 @@ void add_watch(const subcommand& monitor, context& shared) {
   watch.value({.name = "--csv",
                .help = "Write the items as CSV into this file instead",
                .not_with = "--json"},
-              any_text(given->csv_path));
+              any_words(given->csv_path));
   watch.run([&shared, given] {
     const bool takes_interval =
         given->kinds.empty() || !given->interval_ms ||

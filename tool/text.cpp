@@ -4,7 +4,9 @@
 #include <stdio.h>
 #include <stdlib.h>
 
+#include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <utility>
@@ -34,16 +36,17 @@ std::optional<int32_t> parse_int(std::string_view text) {
 
 std::optional<std::chrono::milliseconds> parse_duration(std::string_view text) {
   constexpr std::chrono::hours longest{24};
-  constexpr std::pair<std::string_view, int64_t> units[] = {
+  constexpr std::pair<std::string_view, int> units[] = {
       {"ms", 1}, {"s", 1000}, {"", 1000}, {"m", 60000}, {"h", 3600000}};
-  int64_t number = 0;
-  const char* end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, number);
-  const std::string_view unit{stop, static_cast<size_t>(end - stop)};
+  const size_t size = std::min(text.find_first_not_of("0123456789."), text.size());
+  const std::string number{text.substr(0, size)};
+  char* end = nullptr;
+  const double amount = strtod(number.c_str(), &end);
   for (const auto& [name, factor] : units) {
-    if (error == std::errc{} && unit == name && number > 0 &&
-        number <= longest / std::chrono::milliseconds{factor}) {
-      return std::chrono::milliseconds{number * factor};
+    const double time_ms = amount * factor;
+    if (*end == '\0' && text.substr(size) == name && time_ms >= 1 &&
+        time_ms <= static_cast<double>(std::chrono::milliseconds{longest}.count())) {
+      return std::chrono::milliseconds{std::llround(time_ms)};
     }
   }
   return std::nullopt;

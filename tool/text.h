@@ -16,8 +16,8 @@ namespace orvctl {
 // Empty for anything else.
 std::optional<int32_t> parse_int(std::string_view text);
 
-// A time as in "500ms", "30s", "2m" or "1h"; a bare number is seconds. Empty for anything else, for
-// nothing at all and for more than a day.
+// A time as in "500ms", "1.5s", "2m" or "1h"; a bare number is seconds. Empty for anything else,
+// for nothing at all and for more than a day.
 std::optional<std::chrono::milliseconds> parse_duration(std::string_view text);
 
 // As printf has it.

@@ -3,6 +3,7 @@
 #include <errno.h>
 #include <stdio.h>
 #include <string.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -19,6 +20,11 @@ using std::chrono::duration_cast;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 using clock = std::chrono::steady_clock;
+
+size_t columns() {
+  winsize size{};
+  return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col != 0 ? size.ws_col : 80;
+}
 
 // A line on standard error that says how a watch goes, when somebody sees it there.
 class progress_line {
@@ -46,13 +52,7 @@ void progress_line::show(uint64_t items, size_t packet_bytes) {
   }
   clear();
   const auto gone = duration_cast<seconds>(clock::now() - start_);
-  const std::string whole =
-      duration_ ? format(" of %g s", std::chrono::duration<double>{*duration_}.count()) : "";
-  fputs(format("watching: %lld s%s, %llu items, packet %s", static_cast<long long>(gone.count()),
-               whole.c_str(), static_cast<unsigned long long>(items),
-               memory_size(packet_bytes).c_str())
-            .c_str(),
-        stderr);
+  fputs(progress_text(gone, duration_, items, packet_bytes, columns() - 1).c_str(), stderr);
   shown_ = true;
 }
 
@@ -202,6 +202,20 @@ void watching::stop() {
 }
 
 }  // namespace
+
+std::string progress_text(seconds gone, std::optional<milliseconds> duration, uint64_t items,
+                          size_t packet_bytes, size_t columns) {
+  const std::string whole =
+      duration ? format(" of %g s", std::chrono::duration<double>{*duration}.count()) : "";
+  const std::string text = format("%lld s%s, %llu items", static_cast<long long>(gone.count()),
+                                  whole.c_str(), static_cast<unsigned long long>(items));
+  const std::string titled = "watching: " + text;
+  const std::string full = titled + ", packet " + memory_size(packet_bytes);
+  return (full.size() <= columns     ? full
+          : titled.size() <= columns ? titled
+                                     : text)
+      .substr(0, columns);
+}
 
 exit_status watch_monitors(const context& shared, const watch_words& given) {
   std::optional<output> csv;

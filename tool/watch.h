@@ -21,6 +21,11 @@ struct watch_words {
   std::string csv_path;                               // standard output when empty
 };
 
+// How a watch goes, as much of it as so many columns have room for.
+std::string progress_text(std::chrono::seconds gone,
+                          std::optional<std::chrono::milliseconds> duration, uint64_t items,
+                          size_t packet_bytes, size_t columns);
+
 // Shows the items as they come, how the watch goes, and a summary at the end.
 exit_status watch_monitors(const context& shared, const watch_words& given);
 

@@ -230,11 +230,20 @@ TEST_F(Camera, TellsThatItsOutputIsLost) {
   EXPECT_EQ(told.status, 128 + SIGPIPE) << told.err;
 }
 
+TEST(Tool, Helps) {
+  EXPECT_EQ(run({"orvctl", "help"}).out, run({"orvctl", "--help"}).out);
+  const outcome told = run({"orvctl", "help", "monitor", "watch"});
+  EXPECT_EQ(told.status, 0) << told.err;
+  EXPECT_THAT(told.out, AllOf(HasSubstr("orvctl monitor watch [OPTIONS]"), HasSubstr("--csv")));
+  EXPECT_THAT(run({"orvctl", "--version"}).out,
+              testing::MatchesRegex("orvctl [0-9.]+ \\(liborv-client [0-9.]+\\)\n"));
+}
+
 TEST(Tool, ListsTheCamerasKeys) {
   EXPECT_THAT(run({"orvctl", "key", "--list"}).out, testing::ContainsRegex("\nKEY_MENU +135\n"));
 }
 
-TEST(Tool, TellsWhatHasCertainlyNotRun) {
+TEST_F(Camera, TellsWhatHasCertainlyNotRun) {
   const std::pair<std::vector<std::string>, const char*> rows[] = {
       {{"orvctl", "target", "--store", "/nonexistent"}, "/nonexistent: No such file"},
       {{"orvctl", "target", "--store", "/etc/passwd"}, "is not a directory"},
@@ -263,8 +272,16 @@ TEST(Tool, TellsWrongUsageInOneLine) {
       {{"orvctl", "key", "tap", "KEY_MNEU"}, "no key \"KEY_MNEU\"; the nearest is KEY_MENU"},
       {{"orvctl", "key", "press", "sw"}, "\"sw\" may be KEY_SW1, KEY_SW2"},
       {{"orvctl", "key", "release", "zzzz"}, "orvctl key --list names them all"},
+      {{"orvctl", "key", "hold", "MENU"}, "no \"hold\"; did you mean \"press\"?"},
       {{"orvctl", "touch", "tap", "400"}, "Y is required"},
-      {{"orvctl", "target", "--timeout", "-1"}, "timeout"},
+      {{"orvctl", "touch", "tap", "400", "32768"}, "Y: "},
+      {{"orvctl", "target", "--timeout", "-1"}, "--timeout: "},
+      {{"orvctl", "target", "--timeout", "nan"}, "--timeout: "},
+      {{"orvctl", "target", "--timeout", "inf"}, "--timeout: "},
+      {{"orvctl", "target", "--store", ""}, "--store: the text is empty"},
+      {{"orvctl", "--camera", "", "target"}, "--camera: the text is empty"},
+      {{"orvctl", "monitor", "watch", "--csv", ""}, "--csv: the text is empty"},
+      {{"orvctl", "help", "nonsense"}, "nonsense"},
       {{"orvctl", "target", "--camera", "/nonexistent"}, "/nonexistent"},
       {{"orvctl", "target", "-c", "nowhere:x"}, "nowhere"},
       {{"orvctl", "target", "-c", "store:x", "--store", "x"}, "excludes"},

@@ -6,6 +6,7 @@
 
 #include "monitor_kinds.h"
 #include "stacks.h"
+#include "watch.h"
 #include "watch_summary.h"
 
 namespace {
@@ -89,6 +90,17 @@ TEST(Summary, CountsAndRanks) {
   EXPECT_EQ(object["stack_use"][0]["used_bytes"], 2000);
   EXPECT_EQ(object["stack_use"].size(), 2U) << "a stack pointer outside its stack tells nothing";
   EXPECT_EQ(orvctl::watch_summary{}.to_lines(), "0 items\n");
+}
+
+TEST(Progress, FitsTheTerminal) {
+  const auto text = [](size_t columns) {
+    return orvctl::progress_text(std::chrono::seconds{12}, std::chrono::seconds{30}, 345, 6789,
+                                 columns);
+  };
+  EXPECT_EQ(text(79), "watching: 12 s of 30 s, 345 items, packet 6.6 KiB");
+  EXPECT_EQ(text(48), "watching: 12 s of 30 s, 345 items");
+  EXPECT_EQ(text(29), "12 s of 30 s, 345 items");
+  EXPECT_EQ(text(10), "12 s of 30");
 }
 
 TEST(Threads, AreSortedAsAsked) {
