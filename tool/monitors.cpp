@@ -112,7 +112,8 @@ void add_watch(const subcommand& monitor, context& shared) {
       "Without a MONITOR all three are watched, without --for until Ctrl-C. Monitors that ran\n"
       "before are stopped, and so are the watched ones at the end. Meanwhile other orvctl\n"
       "commands work but for those to the monitors; a query waits for a tick of the slowest\n"
-      "monitor. Times are since the agent's start, free memory is told modulo 4 GiB. A tick of\n"
+      "monitor. Times are since the agent's start, and UTC by this machine's clock; free memory is "
+      "told modulo 4 GiB. A tick of\n"
       "stack takes the target about 20 ms for each of its threads: unless --timeout says\n"
       "otherwise, an answer is waited for 30 s then. Exit status 1: items may be missing.\n"
       "Ctrl-C, with --for as without, ends a watch with its summary and then the program by that\n"
@@ -123,10 +124,12 @@ void add_watch(const subcommand& monitor, context& shared) {
               [given](const std::string& text) { return read_duration(text, given->duration); });
   add_interval(watch, given->interval_ms, longest_watch_interval_ms);
   watch.flag("--json", shared.json, "Print a JSON object a line");
-  watch.value({.name = "--csv",
-               .help = "Write the items as CSV into this file instead",
-               .not_with = "--json"},
-              any_words(given->csv_path));
+  watch.value(
+      {.name = "--csv",
+       .help = "Write the items as CSV into this file instead; - is standard output, and the "
+               "summary then goes to standard error",
+       .not_with = "--json"},
+      any_words(given->csv_path));
   watch.run([&shared, given] {
     const bool takes_interval =
         given->kinds.empty() || !given->interval_ms ||

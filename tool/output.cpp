@@ -82,9 +82,13 @@ void hold_standard_descriptors() {
   }
 }
 
-void complain(const std::string& message) {
+void remark(const std::string& text) {
   output{}.flush();  // where both are one file, what was printed before comes first
-  fputs(("orvctl: " + message + "\n").c_str(), stderr);
+  fputs(text.c_str(), stderr);
+}
+
+void complain(const std::string& message) {
+  remark("orvctl: " + message + "\n");
 }
 
 }  // namespace orvctl

@@ -38,6 +38,9 @@ class output {
 // gets their numbers. Such a standard output takes nothing.
 void hold_standard_descriptors();
 
+// Text on standard error as it is, after all that was printed on standard output.
+void remark(const std::string& text);
+
 // A line on standard error, after the program's name.
 void complain(const std::string& message);
 

@@ -3,6 +3,7 @@
 #include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <time.h>
 
 #include <algorithm>
 #include <charconv>
@@ -50,6 +51,15 @@ std::optional<std::chrono::milliseconds> parse_duration(std::string_view text) {
     }
   }
   return std::nullopt;
+}
+
+std::string utc_time(int64_t wall_ms) {
+  const auto seconds = static_cast<time_t>(wall_ms / 1000);
+  tm parts{};
+  gmtime_r(&seconds, &parts);
+  char text[sizeof "2026-08-30T09:05:07"] = "";
+  strftime(text, sizeof text, "%FT%T", &parts);
+  return format("%s.%03dZ", text, static_cast<int>(wall_ms % 1000));
 }
 
 std::string format(const char* format, ...) {
@@ -100,6 +110,17 @@ std::string printable(std::string text) {
     before = byte;
   }
   return text;
+}
+
+std::string csv_field(const std::string& text) {
+  if (text.find_first_of(",\"\r\n") == std::string::npos) {
+    return printable(text);
+  }
+  std::string quoted;
+  for (const char letter : printable(text)) {
+    quoted += letter == '"' ? "\"\"" : std::string(1, letter);
+  }
+  return "\"" + quoted + "\"";
 }
 
 std::string json_text(const nlohmann::ordered_json& object, int indent) {

@@ -21,6 +21,8 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 using clock = std::chrono::steady_clock;
 
+constexpr char standard_path[] = "-";
+
 size_t columns() {
   winsize size{};
   return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col != 0 ? size.ws_col : 80;
@@ -97,7 +99,7 @@ class watching {
 
   const context& shared_;
   const watch_words& given_;
-  const output* const csv_;  // null: the items go to standard output
+  const output* const csv_;  // null: the items are no CSV
   const output& items_;
   std::string (*to_text_)(const orv_item&);
   progress_line progress_;
@@ -135,7 +137,8 @@ exit_status watching::run() {
     run_main_loop_once();
   }
   progress_.clear();
-  shared_.out.write(shared_.json ? summary_.to_json() : summary_.to_lines());
+  const std::string summary = shared_.json ? summary_.to_json() : summary_.to_lines();
+  given_.csv_path == standard_path ? remark(summary) : shared_.out.write(summary);
   return signals.status(status_);
 }
 
@@ -218,13 +221,15 @@ std::string progress_text(seconds gone, std::optional<milliseconds> duration, ui
 }
 
 exit_status watch_monitors(const context& shared, const watch_words& given) {
-  std::optional<output> csv;
-  if (!given.csv_path.empty() && !csv.emplace(given.csv_path)) {
+  if (given.csv_path.empty() || given.csv_path == standard_path) {
+    return watching{shared, given, given.csv_path.empty() ? nullptr : &shared.out}.run();
+  }
+  const output csv{given.csv_path};
+  if (!csv) {
     complain(given.csv_path + ": " + strerror(errno));
     return exit_status::not_run;
   }
-  const exit_status status = watching{shared, given, csv ? &*csv : nullptr}.run();
-  return csv ? finish(*csv, status) : status;
+  return finish(csv, watching{shared, given, &csv}.run());
 }
 
 }  // namespace orvctl

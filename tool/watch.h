@@ -18,7 +18,7 @@ struct watch_words {
   std::vector<const monitor_kind*> kinds;  // all when empty
   std::optional<int> interval_ms;
   std::optional<std::chrono::milliseconds> duration;  // none: until it is interrupted
-  std::string csv_path;                               // standard output when empty
+  std::string csv_path;                               // "-" for standard output; no CSV when empty
 };
 
 // How a watch goes, as much of it as so many columns have room for.
