@@ -9,11 +9,9 @@
 #include <string>
 #include <utility>
 
-#include "output.h"
+#include "exit_status.h"
 
 namespace orvctl {
-
-enum class exit_status { success = 0, failure = 1, usage = 2, no_answer = 3 };
 
 constexpr uint32_t usual_timeout_ms = 5000;
 // Of what samples stacks: the target runs a shell command for each of its threads.
@@ -35,8 +33,6 @@ struct reply_freer {
 // Null where there was no memory for one.
 using reply = std::unique_ptr<orv_reply, reply_freer>;
 
-exit_status status_of(const orv_reply* found);
-exit_status status_of_result(int32_t result);
 // Prints why there is no answer. The status.
 exit_status refuse(const orv_reply* found);
 

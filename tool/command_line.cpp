@@ -2,13 +2,21 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
 #include <iterator>
+#include <memory>
+#include <sstream>
 #include <string_view>
+#include <vector>
 
 #include "subcommands.h"
+#include "text.h"
 
 namespace orvctl {
 namespace {
+
+void add_help(const subcommand& program, context& shared);
 
 struct subcommand_row {
   std::string_view name;
@@ -16,10 +24,23 @@ struct subcommand_row {
 };
 
 constexpr subcommand_row subcommands[] = {
-    {"target", add_target},   {"heap", add_heap},   {"stack", add_stack},
-    {"key", add_key},         {"touch", add_touch}, {"swipe", add_swipe},
-    {"monitor", add_monitor}, {"send", add_send},   {"log", add_log},
+    {"target", add_target}, {"heap", add_heap},   {"stack", add_stack},     {"key", add_key},
+    {"touch", add_touch},   {"swipe", add_swipe}, {"monitor", add_monitor}, {"send", add_send},
+    {"log", add_log},       {"help", add_help},
 };
+
+std::string subcommand_names() {
+  std::vector<std::string> names;
+  for (const subcommand_row& one : subcommands) {
+    names.emplace_back(one.name);
+  }
+  return join(names);
+}
+
+bool is_subcommand(std::string_view word) {
+  return std::any_of(std::begin(subcommands), std::end(subcommands),
+                     [word](const subcommand_row& one) { return one.name == word; });
+}
 
 // If any subcommand is among the words, none that is not can have been meant. Help lists all.
 bool may_be_meant(const subcommand_row& one, std::span<char* const> words) {
@@ -32,9 +53,7 @@ bool may_be_meant(const subcommand_row& one, std::span<char* const> words) {
 }
 
 constexpr char footer[] =
-    "Exit status:\n"
-    "  0 the agent answered with success, 1 it answered with failure,\n"
-    "  2 wrong usage or store, 3 no answer in time.\n\n"
+    "\n"
     "Environment:\n"
     "  ORV_CAMERA is the camera's address; --camera and --store go before it.\n"
     "  ORV_PLATFORM_ROOT names the store's directory where no address is given.\n\n"
@@ -60,12 +79,26 @@ class usage_formatter : public CLI::Formatter {
   }
 };
 
+// An empty text is most often a variable that was never set.
+void refuse_empty(const char* option, const std::string& text) {
+  if (text.empty()) {
+    throw CLI::ValidationError{option, "the text is empty"};
+  }
+}
+
+// The range check lets it pass: it is neither less nor more than anything.
+std::string refuse_nan(const std::string& text) {
+  return std::isnan(strtod(text.c_str(), nullptr)) ? "\"" + text + "\" is no time" : "";
+}
+
 void add_camera(CLI::App& app, context& shared) {
-  const auto take_address = [&shared](const std::string& address) { shared.address = address; };
+  const auto take_address = [&shared](const std::string& address) {
+    refuse_empty("--camera", address);
+    shared.address = address;
+  };
   const auto take_store = [&shared](const std::string& directory) {
-    if (!directory.empty()) {
-      shared.address = "store:" + directory;
-    }
+    refuse_empty("--store", directory);
+    shared.address = "store:" + directory;
   };
   CLI::Option* store =
       app.add_option_function<std::string>(
@@ -92,8 +125,13 @@ void describe_program(CLI::App& app, context& shared, job& chosen, std::span<cha
     }
   });
   app.failure_message(one_line);
+  app.set_version_flag(
+      "--version",
+      std::string{"orvctl " ORV_VERSION " (liborv-client "} + orv_client_version() + ")",
+      "Print the versions of the program and its library");
   app.add_option("--timeout", shared.timeout_s, "Seconds to wait for an answer")
       ->check(CLI::Range(0.001, 86400.0))
+      ->check(refuse_nan)
       ->default_str("5");
   add_camera(app, shared);
   app.fallthrough();
@@ -103,10 +141,14 @@ void describe_program(CLI::App& app, context& shared, job& chosen, std::span<cha
       one.add(program, shared);
     }
   }
-  app.footer(footer);  // last: a subcommand takes over the footer that is there when it is added
+  app.footer("Exit status:\n" + exit_statuses() +
+             footer);  // last: a subcommand takes over the footer that is there when it is added
 }
 
-int run_program(std::span<char* const> words) {
+namespace {
+
+// Parses the words and runs the subcommand.
+exit_status obey(std::span<char* const> words) {
   CLI::App app;
   context shared;
   job chosen;
@@ -114,10 +156,41 @@ int run_program(std::span<char* const> words) {
   try {
     app.parse(static_cast<int>(words.size()), words.data());
   } catch (const CLI::ParseError& error) {
-    const bool helped = app.exit(error) == 0;
-    return static_cast<int>(helped ? exit_status::success : exit_status::usage);
+    std::ostringstream help;
+    const bool helped = app.exit(error, help) == 0;
+    shared.out.write(help.str());
+    return helped ? exit_status::done : exit_status::usage;
   }
-  return static_cast<int>(chosen());
+  return chosen();
+}
+
+void add_help(const subcommand& program, context& /*shared*/) {
+  const subcommand help = program.add("help", "Print this help, or that of a subcommand");
+  const auto given = std::make_shared<std::vector<std::string>>();
+  help.value({.name = "SUBCOMMAND",
+              .help = "As in monitor watch",
+              .type = "TEXT:{" + subcommand_names() + "}",
+              .most = any_number},
+             [given](const std::string& word) -> std::string {
+               given->push_back(word);
+               return given->size() > 1 || is_subcommand(word) ? "" : "no subcommand " + word;
+             });
+  help.run([given] {
+    std::string program_name = "orvctl";
+    std::string option = "--help";
+    std::vector<char*> words{program_name.data()};
+    std::transform(given->begin(), given->end(), std::back_inserter(words),
+                   [](std::string& word) { return word.data(); });
+    words.push_back(option.data());
+    return obey(words);
+  });
+}
+
+}  // namespace
+
+int run_program(std::span<char* const> words) {
+  hold_standard_descriptors();
+  return end_with(finish(output{}, obey(words)));
 }
 
 }  // namespace orvctl

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <iterator>
 #include <memory>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "main_loop.h"
 #include "subcommands.h"
 #include "text.h"
 
@@ -21,7 +23,7 @@ struct injection {
 };
 
 exit_status show_verdict(const output& out, const injection& one, const answer& verdict) {
-  if (verdict.status() == exit_status::success) {
+  if (verdict.status() == exit_status::done) {
     out.print("%s: done\n", one.what.c_str());
   } else {
     complain(format(
@@ -33,19 +35,9 @@ exit_status show_verdict(const output& out, const injection& one, const answer& 
   return verdict.status();
 }
 
-// Ends at the first that the agent does not answer, not at one that it finds bad: a finger that
-// went down has to come up.
-exit_status inject(const context& shared, const std::vector<injection>& wanted) {
-  camera target{shared};
-  exit_status worst = exit_status::success;
-  for (const injection& one : wanted) {
-    const answer verdict = target.ask(one.request, shared.timeout_ms());
-    if (!verdict) {
-      return verdict.status();
-    }
-    worst = std::max(worst, show_verdict(shared.out, one, verdict));
-  }
-  return worst;
+exit_status inject(const context& shared, camera& target, const injection& one) {
+  const answer verdict = target.ask(one.request, shared.timeout_ms());
+  return verdict ? show_verdict(shared.out, one, verdict) : verdict.status();
 }
 
 // ---- Keys ----
@@ -82,9 +74,10 @@ std::string read_key(const std::string& text, const orv_key*& found) {
 }
 
 exit_status send_key(const context& shared, const key_action& action, const orv_key& key) {
-  return inject(
-      shared, {{std::string{action.name} + " " + key.name, orv_key_request(action.action, key.name),
-                "the agent does not know the name, "}});
+  camera target{shared};
+  return inject(shared, target,
+                {std::string{action.name} + " " + key.name,
+                 orv_key_request(action.action, key.name), "the agent does not know the name, "});
 }
 
 exit_status list_keys(const output& out) {
@@ -93,7 +86,7 @@ exit_status list_keys(const output& out) {
   for (const orv_key& key : std::span{keys, count}) {
     out.print("%-16s %d\n", key.name, key.keycode);
   }
-  return exit_status::success;
+  return exit_status::done;
 }
 
 void add_key_action(const subcommand& key, context& shared, const key_action& action) {
@@ -115,9 +108,18 @@ struct point {
   std::optional<int> y;
 };
 
-constexpr char places[] = "The screen's top left corner is 0 0.";
+void add_misnomers(const subcommand& above) {
+  above.misnomer("hold", "press");
+  above.misnomer("down", "press");
+  above.misnomer("up", "release");
+}
 
-injection touch(orv_touch_action action, point at) {
+constexpr char places[] = "The screen's top left corner is 0 0.";
+constexpr char interrupted[] =
+    "\nCtrl-C and SIGTERM wait for the finger to be lifted. After SIGKILL it may stay down:\n"
+    "orvctl touch release X Y lifts it.";
+
+injection touch_of(orv_touch_action action, point at) {
   const char* const name = action == ORV_TOUCH_PRESS ? "press" : "release";
   return {format("%s %d,%d", name, *at.x, *at.y), orv_touch_request(action, *at.x, *at.y), ""};
 }
@@ -132,18 +134,30 @@ void add_point(const subcommand& command, point& at, const std::string& number =
   command.number(words("Y", "Pixels from the top"), at.y);
 }
 
-void add_touch_command(const subcommand& below, context& shared, const char* name, const char* help,
-                       const std::vector<orv_touch_action>& actions) {
+// A finger that may have gone down has to come up, whatever the agent answers to that and whatever
+// signal arrives.
+exit_status press_and_release(const context& shared, const point& from, const point& to) {
+  const stop_signals signals{[] {}, stop_signals::second::waits};
+  camera target{shared};
+  const exit_status down = inject(shared, target, touch_of(ORV_TOUCH_PRESS, from));
+  if (down == exit_status::not_run) {
+    return signals.status(down);
+  }
+  const exit_status up = inject(shared, target, touch_of(ORV_TOUCH_RELEASE, to));
+  if (up != exit_status::done && up != exit_status::refused) {
+    complain(format("the finger may be down; orvctl touch release %d %d lifts it", *to.x, *to.y));
+    return signals.status(exit_status::may_have_run);
+  }
+  return signals.status(std::max(down, up));
+}
+
+subcommand add_touch_command(const subcommand& below, const char* name, const char* help,
+                             const std::function<exit_status(const point&)>& act) {
   const subcommand command = below.add(name, help);
   const auto at = std::make_shared<point>();
   add_point(command, *at);
-  command.run([&shared, actions, at] {
-    std::vector<injection> touches;
-    for (const orv_touch_action action : actions) {
-      touches.push_back(touch(action, *at));
-    }
-    return inject(shared, touches);
-  });
+  command.run([at, act] { return act(*at); });
+  return command;
 }
 
 }  // namespace
@@ -159,6 +173,7 @@ void add_key(const subcommand& program, context& shared) {
   for (const key_action& action : key_actions) {
     add_key_action(key, shared, action);
   }
+  add_misnomers(key);
   key.run([&shared, listed] {
     return *listed ? list_keys(shared.out)
                    : refuse_words("tap, press, release or --list is required");
@@ -169,24 +184,29 @@ void add_touch(const subcommand& program, context& shared) {
   const subcommand touch = program.add("touch", "Touch the camera's screen");
   touch.footer(places);
   touch.require_one_below();
-  add_touch_command(touch, shared, "tap", "Put a finger down and lift it",
-                    {ORV_TOUCH_PRESS, ORV_TOUCH_RELEASE});
-  add_touch_command(touch, shared, "press", "Put a finger down", {ORV_TOUCH_PRESS});
-  add_touch_command(touch, shared, "release", "Move the finger there and lift it",
-                    {ORV_TOUCH_RELEASE});
+  const auto one = [&shared](orv_touch_action action) {
+    return [&shared, action](const point& at) {
+      camera target{shared};
+      return inject(shared, target, touch_of(action, at));
+    };
+  };
+  const auto tap = [&shared](const point& at) { return press_and_release(shared, at, at); };
+  add_touch_command(touch, "tap", "Put a finger down and lift it", tap)
+      .footer(std::string{places} + interrupted);
+  add_misnomers(touch);
+  add_touch_command(touch, "press", "Put a finger down", one(ORV_TOUCH_PRESS));
+  add_touch_command(touch, "release", "Move the finger there and lift it", one(ORV_TOUCH_RELEASE));
 }
 
 void add_swipe(const subcommand& program, context& shared) {
   const subcommand swipe =
       program.add("swipe", "Put a finger down at one place, lift it at another");
-  swipe.footer(places);
+  swipe.footer(std::string{places} + interrupted);
   const auto from = std::make_shared<point>();
   const auto to = std::make_shared<point>();
   add_point(swipe, *from, "1");
   add_point(swipe, *to, "2");
-  swipe.run([&shared, from, to] {
-    return inject(shared, {touch(ORV_TOUCH_PRESS, *from), touch(ORV_TOUCH_RELEASE, *to)});
-  });
+  swipe.run([&shared, from, to] { return press_and_release(shared, *from, *to); });
 }
 
 }  // namespace orvctl

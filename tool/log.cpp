@@ -1,7 +1,5 @@
 // The agent's log.
 
-#include <signal.h>
-
 #include <memory>
 #include <string>
 
@@ -26,7 +24,7 @@ class log_reading {
   const output& out_;
   bool follow_;
   orv_log* log_ = nullptr;
-  exit_status status_ = exit_status::success;
+  exit_status status_ = exit_status::done;
 };
 
 exit_status log_reading::run(const context& shared) {
@@ -37,17 +35,14 @@ exit_status log_reading::run(const context& shared) {
   const stop_signals signals{[this] { stop(); }};
   log_ = orv_log_start(target.get(), follow_ ? 1 : 0, on_line, this);
   if (log_ == nullptr) {
-    return refuse(nullptr);
+    refuse(nullptr);
+    return exit_status::not_run;
   }
   while (log_ != nullptr) {
     run_main_loop_once();
   }
   // Whoever stopped this learns that it was not the log that ended.
-  if (signals.caught() != 0 && out_.flush()) {
-    signal(signals.caught(), SIG_DFL);
-    raise(signals.caught());
-  }
-  return status_;
+  return signals.status(status_);
 }
 
 void log_reading::on_line(orv_log* /*log*/, const char* line, const char* message, void* self) {
@@ -67,7 +62,7 @@ void log_reading::end(const std::string& message) {
   log_ = nullptr;
   if (!message.empty()) {
     complain(message);
-    status_ = exit_status::usage;
+    status_ = exit_status::not_run;
   }
 }
 

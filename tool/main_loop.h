@@ -7,6 +7,8 @@
 #include <memory>
 #include <utility>
 
+#include "exit_status.h"
+
 namespace orvctl {
 
 // Has the default main loop call a function, until this goes.
@@ -29,17 +31,26 @@ class source {
   unsigned id_ = 0;
 };
 
-// While this lives, SIGINT, SIGTERM and SIGHUP call `stop` instead of ending the process. SIGPIPE
-// is ignored from then on: writing for a reader that has gone fails instead.
+// While this lives, SIGINT, SIGTERM and SIGHUP do not end the process: the main loop calls `stop`.
+// SIGPIPE is ignored from then on: writing for a reader that has gone fails instead.
 class stop_signals {
  public:
-  explicit stop_signals(const source::function& stop);
+  enum class second { waits, ends_at_once };
+
+  explicit stop_signals(source::function stop, second next = second::ends_at_once);
 
   // The last one, or 0.
   [[nodiscard]] int caught() const { return caught_; }
+  // That of a program which the signal ends; without one, the other.
+  [[nodiscard]] exit_status status(exit_status otherwise) const;
 
  private:
+  void take(int number);
+
+  source::function stop_;
+  second next_;
   int caught_ = 0;
+  std::unique_ptr<source> patience_;
   std::unique_ptr<source> sources_[3];
 };
 

@@ -35,18 +35,29 @@ std::span<const orv_stack_sample> stacks_of(const orv_item& item) {
   return {item.stacks, item.stack_count};
 }
 
+// "77 (AeMain)", or "77" where the name is not known.
+std::string thread_text(int32_t tid, const std::string& name) {
+  return std::to_string(tid) + (name.empty() ? "" : " (" + printable(name) + ")");
+}
+
+std::string csv_start(const orv_item& item, const char* kind) {
+  return format("%u,%s,%s,", item.tick_ms, utc_time(item.wall_ms).c_str(), kind);
+}
+
 // ---- cpu ----
 
 std::string cpu_line(const orv_item& item) {
-  return format("thread %d runs", item.tid);
+  return "thread " + thread_text(item.tid, item.name) + " runs";
 }
 
 void add_cpu_fields(ordered_json& object, const orv_item& item) {
   object["tid"] = item.tid;
+  object["name"] = item.name;
 }
 
 std::string cpu_rows(const orv_item& item) {
-  return format("%u,cpu,%d,running,,,,,,\n", item.tick_ms, item.tid);
+  return csv_start(item, "cpu") +
+         format("%d,%s,running,,,,,,\n", item.tid, csv_field(item.name).c_str());
 }
 
 // ---- heap ----
@@ -61,7 +72,7 @@ void add_heap_fields(ordered_json& object, const orv_item& item) {
 }
 
 std::string heap_rows(const orv_item& item) {
-  return format("%u,heap,,,,,,,%u,%u\n", item.tick_ms, item.free_bytes, item.max_free_bytes);
+  return csv_start(item, "heap") + format(",,,,,,,%u,%u\n", item.free_bytes, item.max_free_bytes);
 }
 
 // ---- stack ----
@@ -73,8 +84,8 @@ std::string stack_line(const orv_item& item) {
       [](const auto& one, const auto& other) { return used_bytes(one) < used_bytes(other); });
   std::string line = format("%zu threads", stacks.size());
   if (most != stacks.end() && used_bytes(*most)) {
-    line += format(", most stack in use by %d: ", most->tid) + memory_size(*used_bytes(*most)) +
-            " of " + memory_size(most->end - most->start);
+    line += ", most stack in use by " + thread_text(most->tid, most->name) + ": " +
+            memory_size(*used_bytes(*most)) + " of " + memory_size(most->end - most->start);
   }
   return line;
 }
@@ -84,6 +95,7 @@ void add_stack_fields(ordered_json& object, const orv_item& item) {
   for (const orv_stack_sample& one : stacks_of(item)) {
     const auto used = used_bytes(one);
     threads.push_back({{"tid", one.tid},
+                       {"name", one.name},
                        {"state", state_name(one.state)},
                        {"pointer", one.pointer},
                        {"end", one.end},
@@ -94,11 +106,13 @@ void add_stack_fields(ordered_json& object, const orv_item& item) {
 }
 
 std::string stack_rows(const orv_item& item) {
+  const std::string start = csv_start(item, "stack");
   std::string rows;
   for (const orv_stack_sample& one : stacks_of(item)) {
     const auto used = used_bytes(one);
-    rows += format("%u,stack,%d,%s,%u,%u,%u,%s,,\n", item.tick_ms, one.tid, state_name(one.state),
-                   one.pointer, one.end, one.start, used ? std::to_string(*used).c_str() : "");
+    rows += start + format("%d,%s,%s,%u,%u,%u,%s,,\n", one.tid, csv_field(one.name).c_str(),
+                           state_name(one.state), one.pointer, one.end, one.start,
+                           used ? std::to_string(*used).c_str() : "");
   }
   return rows;
 }
@@ -156,18 +170,21 @@ std::optional<uint32_t> used_bytes(const orv_stack_sample& stack) {
 
 std::string to_line(const orv_item& item) {
   const monitor_kind& kind = kind_of(item);
-  return format("%10.3f s  %-5s  ", item.tick_ms / 1000.0, kind.name) + kind.line(item) + "\n";
+  return format("%10.3f s  %s  %-5s  ", item.tick_ms / 1000.0, utc_time(item.wall_ms).c_str(),
+                kind.name) +
+         kind.line(item) + "\n";
 }
 
 std::string to_json(const orv_item& item) {
   const monitor_kind& kind = kind_of(item);
-  ordered_json object{{"item", kind.name}, {"tick_ms", item.tick_ms}};
+  ordered_json object{
+      {"item", kind.name}, {"tick_ms", item.tick_ms}, {"time", utc_time(item.wall_ms)}};
   kind.add_fields(object, item);
   return json_text(object);
 }
 
 const char csv_head[] =
-    "tick_ms,item,tid,state,pointer,end,start,used_bytes,free_bytes,max_free_bytes\n";
+    "tick_ms,time,item,tid,name,state,pointer,end,start,used_bytes,free_bytes,max_free_bytes\n";
 
 std::string to_csv(const orv_item& item) {
   return kind_of(item).rows(item);

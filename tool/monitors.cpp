@@ -42,7 +42,7 @@ exit_status stop_monitor(const context& shared, const monitor_kind& kind) {
   const answer got =
       camera{shared}.ask(orv_monitor_stop_request(kind.monitor), shared.timeout_ms());
   if (got) {
-    const bool well = got.status() == exit_status::success;
+    const bool well = got.status() == exit_status::done;
     shared.out.print("%s monitor stopped%s\n", kind.name,
                      well ? "" : "; the camera application is not well");
   }
@@ -56,7 +56,7 @@ std::string read_monitor(const std::string& name, const monitor_kind*& kind) {
 
 std::string read_duration(const std::string& text, std::optional<milliseconds>& duration) {
   duration = parse_duration(text);
-  return duration ? "" : "\"" + text + "\" is no time, as in 30s, 500ms, 2m or 1h";
+  return duration ? "" : "\"" + text + "\" is no time, as in 30s, 1.5s, 500ms, 2m or 1h";
 }
 
 void add_kind(const subcommand& command, const monitor_kind*& kind) {
@@ -112,19 +112,24 @@ void add_watch(const subcommand& monitor, context& shared) {
       "Without a MONITOR all three are watched, without --for until Ctrl-C. Monitors that ran\n"
       "before are stopped, and so are the watched ones at the end. Meanwhile other orvctl\n"
       "commands work but for those to the monitors; a query waits for a tick of the slowest\n"
-      "monitor. Times are since the agent's start, free memory is told modulo 4 GiB. A tick of\n"
+      "monitor. Times are since the agent's start, and UTC by this machine's clock; free memory is "
+      "told modulo 4 GiB. A tick of\n"
       "stack takes the target about 20 ms for each of its threads: unless --timeout says\n"
-      "otherwise, an answer is waited for 30 s then. Exit status 1: items may be missing.");
+      "otherwise, an answer is waited for 30 s then. Exit status 1: items may be missing.\n"
+      "Ctrl-C, with --for as without, ends a watch with its summary and then the program by that\n"
+      "signal (130 in a shell); a second one ends it at once, with the monitors left running.");
   const auto given = std::make_shared<watch_words>();
   add_watched(watch, given->kinds);
   watch.value({.name = "--for", .help = "How long, as in 30s, 500ms, 2m or 1h"},
               [given](const std::string& text) { return read_duration(text, given->duration); });
   add_interval(watch, given->interval_ms, longest_watch_interval_ms);
   watch.flag("--json", shared.json, "Print a JSON object a line");
-  watch.value({.name = "--csv",
-               .help = "Write the items as CSV into this file instead",
-               .not_with = "--json"},
-              any_text(given->csv_path));
+  watch.value(
+      {.name = "--csv",
+       .help = "Write the items as CSV into this file instead; - is standard output, and the "
+               "summary then goes to standard error",
+       .not_with = "--json"},
+      any_words(given->csv_path));
   watch.run([&shared, given] {
     const bool takes_interval =
         given->kinds.empty() || !given->interval_ms ||

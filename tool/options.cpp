@@ -8,6 +8,14 @@ subcommand subcommand::add(const char* name, const char* help) const {
   return {*described_->add_subcommand(name, help), *chosen_};
 }
 
+void subcommand::misnomer(const char* name, const char* meant) const {
+  CLI::App* const hidden =
+      described_->add_subcommand(name)->group("")->fallthrough(false)->allow_extras();
+  hidden->callback([name, meant] {
+    throw CLI::ValidationError{"no \"" + std::string{name} + "\"; did you mean \"" + meant + "\"?"};
+  });
+}
+
 void subcommand::footer(const std::string& text) const {
   described_->footer(text);
 }
@@ -63,6 +71,13 @@ reader any_text(std::string& text) {
   return [&text](const std::string& given) {
     text = given;
     return "";
+  };
+}
+
+reader any_words(std::string& text) {
+  return [&text](const std::string& given) {
+    text = given;
+    return given.empty() ? "the text is empty" : "";
   };
 }
 

@@ -56,6 +56,8 @@ class subcommand {
 
   // One below this one. It takes over the footer.
   [[nodiscard]] subcommand add(const char* name, const char* help) const;
+  // A name below this one that users try, and the one that they mean by it.
+  void misnomer(const char* name, const char* meant) const;
   void footer(const std::string& text) const;
   // Whether one below has to follow; none or one may.
   void require_one_below() const;
@@ -74,8 +76,9 @@ class subcommand {
   job* chosen_;
 };
 
-// A reader that takes any text.
+// Readers that take any text, and any that is not empty.
 reader any_text(std::string& text);
+reader any_words(std::string& text);
 
 // Prints what is wrong with the words together. The status.
 exit_status refuse_words(const std::string& why);

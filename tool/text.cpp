@@ -3,8 +3,11 @@
 #include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
+#include <time.h>
 
+#include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <utility>
@@ -34,19 +37,29 @@ std::optional<int32_t> parse_int(std::string_view text) {
 
 std::optional<std::chrono::milliseconds> parse_duration(std::string_view text) {
   constexpr std::chrono::hours longest{24};
-  constexpr std::pair<std::string_view, int64_t> units[] = {
+  constexpr std::pair<std::string_view, int> units[] = {
       {"ms", 1}, {"s", 1000}, {"", 1000}, {"m", 60000}, {"h", 3600000}};
-  int64_t number = 0;
-  const char* end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, number);
-  const std::string_view unit{stop, static_cast<size_t>(end - stop)};
+  const size_t size = std::min(text.find_first_not_of("0123456789."), text.size());
+  const std::string number{text.substr(0, size)};
+  char* end = nullptr;
+  const double amount = strtod(number.c_str(), &end);
   for (const auto& [name, factor] : units) {
-    if (error == std::errc{} && unit == name && number > 0 &&
-        number <= longest / std::chrono::milliseconds{factor}) {
-      return std::chrono::milliseconds{number * factor};
+    const double time_ms = amount * factor;
+    if (*end == '\0' && text.substr(size) == name && time_ms >= 1 &&
+        time_ms <= static_cast<double>(std::chrono::milliseconds{longest}.count())) {
+      return std::chrono::milliseconds{std::llround(time_ms)};
     }
   }
   return std::nullopt;
+}
+
+std::string utc_time(int64_t wall_ms) {
+  const auto seconds = static_cast<time_t>(wall_ms / 1000);
+  tm parts{};
+  gmtime_r(&seconds, &parts);
+  char text[sizeof "2026-08-30T09:05:07"] = "";
+  strftime(text, sizeof text, "%FT%T", &parts);
+  return format("%s.%03dZ", text, static_cast<int>(wall_ms % 1000));
 }
 
 std::string format(const char* format, ...) {
@@ -97,6 +110,17 @@ std::string printable(std::string text) {
     before = byte;
   }
   return text;
+}
+
+std::string csv_field(const std::string& text) {
+  if (text.find_first_of(",\"\r\n") == std::string::npos) {
+    return printable(text);
+  }
+  std::string quoted;
+  for (const char letter : printable(text)) {
+    quoted += letter == '"' ? "\"\"" : std::string(1, letter);
+  }
+  return "\"" + quoted + "\"";
 }
 
 std::string json_text(const nlohmann::ordered_json& object, int indent) {

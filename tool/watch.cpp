@@ -3,6 +3,7 @@
 #include <errno.h>
 #include <stdio.h>
 #include <string.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -19,6 +20,13 @@ using std::chrono::duration_cast;
 using std::chrono::milliseconds;
 using std::chrono::seconds;
 using clock = std::chrono::steady_clock;
+
+constexpr char standard_path[] = "-";
+
+size_t columns() {
+  winsize size{};
+  return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col != 0 ? size.ws_col : 80;
+}
 
 // A line on standard error that says how a watch goes, when somebody sees it there.
 class progress_line {
@@ -46,13 +54,7 @@ void progress_line::show(uint64_t items, size_t packet_bytes) {
   }
   clear();
   const auto gone = duration_cast<seconds>(clock::now() - start_);
-  const std::string whole =
-      duration_ ? format(" of %g s", std::chrono::duration<double>{*duration_}.count()) : "";
-  fputs(format("watching: %lld s%s, %llu items, packet %s", static_cast<long long>(gone.count()),
-               whole.c_str(), static_cast<unsigned long long>(items),
-               memory_size(packet_bytes).c_str())
-            .c_str(),
-        stderr);
+  fputs(progress_text(gone, duration_, items, packet_bytes, columns() - 1).c_str(), stderr);
   shown_ = true;
 }
 
@@ -97,7 +99,7 @@ class watching {
 
   const context& shared_;
   const watch_words& given_;
-  const output* const csv_;  // null: the items go to standard output
+  const output* const csv_;  // null: the items are no CSV
   const output& items_;
   std::string (*to_text_)(const orv_item&);
   progress_line progress_;
@@ -107,7 +109,7 @@ class watching {
   orv_watch* watch_ = nullptr;
   size_t packet_bytes_ = 0;
   bool lost_ = false;  // items that could not be written
-  exit_status status_ = exit_status::success;
+  exit_status status_ = exit_status::done;
 };
 
 watching::watching(const context& shared, const watch_words& given, const output* csv)
@@ -128,14 +130,16 @@ exit_status watching::run() {
   const orv_watch_options options = options_of(shared_, given_);
   watch_ = orv_watch_start(target.get(), &options, on_event, this);
   if (watch_ == nullptr) {
-    return refuse(nullptr);
+    refuse(nullptr);
+    return exit_status::not_run;
   }
   while (watch_ != nullptr) {
     run_main_loop_once();
   }
   progress_.clear();
-  shared_.out.write(shared_.json ? summary_.to_json() : summary_.to_lines());
-  return status_;
+  const std::string summary = shared_.json ? summary_.to_json() : summary_.to_lines();
+  given_.csv_path == standard_path ? remark(summary) : shared_.out.write(summary);
+  return signals.status(status_);
 }
 
 void watching::on_event(orv_watch* /*watch*/, const orv_watch_event* event, void* self) {
@@ -169,23 +173,20 @@ void watching::take(const orv_item& item) {
   items_.write(to_text_(item));
 }
 
-// A reader that has enough ends the watch in good order. A file that takes no more ends it too.
+// A reader that has enough ends the watch in good order, as does a file that takes no more.
 void watching::flush(size_t packet_bytes) {
   packet_bytes_ = packet_bytes;
   if (lost_ || items_.flush()) {
     return;
   }
   lost_ = true;
-  if (csv_ != nullptr) {
-    warn(given_.csv_path + ": " + strerror(errno));
-  }
   stop();
 }
 
 void watching::warn(const std::string& message) {
   progress_.clear();
   complain(message);
-  status_ = exit_status::failure;
+  status_ = exit_status::refused;
 }
 
 void watching::end(const orv_reply& reply) {
@@ -205,13 +206,30 @@ void watching::stop() {
 
 }  // namespace
 
+std::string progress_text(seconds gone, std::optional<milliseconds> duration, uint64_t items,
+                          size_t packet_bytes, size_t columns) {
+  const std::string whole =
+      duration ? format(" of %g s", std::chrono::duration<double>{*duration}.count()) : "";
+  const std::string text = format("%lld s%s, %llu items", static_cast<long long>(gone.count()),
+                                  whole.c_str(), static_cast<unsigned long long>(items));
+  const std::string titled = "watching: " + text;
+  const std::string full = titled + ", packet " + memory_size(packet_bytes);
+  return (full.size() <= columns     ? full
+          : titled.size() <= columns ? titled
+                                     : text)
+      .substr(0, columns);
+}
+
 exit_status watch_monitors(const context& shared, const watch_words& given) {
-  std::optional<output> csv;
-  if (!given.csv_path.empty() && !csv.emplace(given.csv_path)) {
-    complain(given.csv_path + ": " + strerror(errno));
-    return exit_status::usage;
+  if (given.csv_path.empty() || given.csv_path == standard_path) {
+    return watching{shared, given, given.csv_path.empty() ? nullptr : &shared.out}.run();
   }
-  return watching{shared, given, csv ? &*csv : nullptr}.run();
+  const output csv{given.csv_path};
+  if (!csv) {
+    complain(given.csv_path + ": " + strerror(errno));
+    return exit_status::not_run;
+  }
+  return finish(csv, watching{shared, given, &csv}.run());
 }
 
 }  // namespace orvctl

@@ -75,8 +75,8 @@ std::string usage_in(const std::string& help) {
   return help.substr(start, help.find('\n', start) - start);
 }
 
-bool is_help(const option& one) {
-  return one.names.back() == "--help";
+bool ends_program(const option& one) {
+  return one.names.back() == "--help" || one.names.back() == "--version";
 }
 
 command read_command(const CLI::App& app, const std::string& above, std::vector<option> inherited) {
@@ -94,7 +94,7 @@ command read_command(const CLI::App& app, const std::string& above, std::vector<
   }
   std::vector<option> inheritable = read.inherited;
   for (const option& one : read.options) {
-    if (app.get_fallthrough() && !one.positional && !is_help(one)) {
+    if (app.get_fallthrough() && !one.positional && !ends_program(one)) {
       inheritable.push_back(one);
     }
   }

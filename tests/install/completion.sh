@@ -13,7 +13,7 @@ bash_offers() {
 subcommands=$("$prefix/bin/orvctl" --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z]\S*\).*/\1/p')
 [[ $subcommands == *send* ]] || fail "no subcommands in: $subcommands"
 expect 'all subcommands' "--timeout --store -c --camera ${subcommands//$'\n'/ }" \
-  "$(bash_offers orvctl '' | sed 's/^-h --help //')"
+  "$(bash_offers orvctl '' | sed 's/^-h --help --version //')"
 expect 'options of a subcommand and of the tool' '--help --data --timeout --store --camera' \
   "$(bash_offers orvctl send --)"
 expect 'choices' 'agent_start agent_stop' "$(bash_offers orvctl --timeout 2 send agent_)"

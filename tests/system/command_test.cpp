@@ -7,8 +7,11 @@
 #include <stdlib.h>
 #include <vconf.h>
 
+#include <chrono>
 #include <filesystem>
+#include <random>
 #include <string>
+#include <thread>
 
 #include "emulation.h"
 #include "keys.h"
@@ -89,7 +92,7 @@ TEST_F(Camera, IsSilentOnCodesWithoutAHandler) {
 TEST_F(Camera, LateAnswersAreNotTakenForNewOnes) {
   host_->signal(SIGSTOP);
   EXPECT_EQ(run({"orvctl", "--timeout", "0.1", "send", "0x208"}).status, 3);
-  EXPECT_EQ(run({"orvctl", "--timeout", "0.1", "send", "0x208"}).status, 3);
+  EXPECT_EQ(run({"orvctl", "--timeout", "0.1", "send", "0x208"}).status, 4);
   host_->signal(SIGCONT);
   // Nothing answers this code: whatever comes now is late.
   const outcome told = run({"orvctl", "--timeout", "0.3", "send", "0x999"});
@@ -138,6 +141,32 @@ TEST_F(Camera, TellsWhatAFailedInjectionMayMean) {
   EXPECT_EQ(number_at(VCONFKEY_ORV_COMMAND_PARAM4), 250);
 }
 
+// What the store carried last is what the agent was told last.
+TEST_F(Camera, LiftsTheFingerWheneverTheToolIsInterrupted) {
+  const std::vector<std::string> touches[] = {
+      {"sh", "-c", "exec orvctl swipe 1 2 3 4 2>/dev/null"},
+      {"sh", "-c", "exec orvctl touch tap 1 2 2>/dev/null"}};
+  const auto start = std::chrono::steady_clock::now();
+  ASSERT_EQ(run(touches[0]).status, 1) << "there is no display";
+  const std::chrono::duration<double> usual = std::chrono::steady_clock::now() - start;
+  const auto seed = std::random_device{}();
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  std::mt19937 random{seed};
+  std::uniform_real_distribution<double> moment{0, 1.2};
+  int interrupted = 0;
+  for (int round = 0; round < 100; ++round) {
+    background touch{touches[round % 2]};
+    std::this_thread::sleep_for(usual * moment(random));
+    const int number = round % 4 < 2 ? SIGINT : SIGTERM;
+    touch.signal(number);
+    const int status = touch.wait();
+    EXPECT_THAT(status, testing::AnyOf(1, 128 + number));
+    interrupted += status == 128 + number ? 1 : 0;
+    ASSERT_EQ(number_at(VCONFKEY_ORV_COMMAND_PARAM2), ORV_RELEASE) << "round " << round;
+  }
+  EXPECT_GT(interrupted, 10);
+}
+
 TEST_F(Camera, IsReachedByAnyOfItsNames) {
   const std::string root = getenv("ORV_PLATFORM_ROOT");
   const std::string address = "ORV_CAMERA=store:" + root;
@@ -152,7 +181,7 @@ TEST_F(Camera, IsReachedByAnyOfItsNames) {
     EXPECT_EQ(run(words).status, 0);
   }
   const outcome lost = run({"env", "ORV_CAMERA=store:/nonexistent", "orvctl", "target"});
-  EXPECT_EQ(lost.status, 2);
+  EXPECT_EQ(lost.status, 4);
   EXPECT_THAT(lost.err, HasSubstr("store /nonexistent: No such file or directory; is a host"));
 }
 
@@ -174,8 +203,61 @@ TEST_F(Camera, ShowsItsLogUntilItIsStopped) {
   EXPECT_EQ(run({"sh", "-c", "orvctl log | head -n 1 >/dev/null"}).status, 0);
 }
 
+TEST_F(Camera, TellsThatItsOutputIsLost) {
+  const char* const rows[] = {"target",
+                              "stack --json",
+                              "touch press 1 1; orvctl heap",
+                              "send target_info",
+                              "log --dump",
+                              "key --list",
+                              "monitor start heap",
+                              "monitor watch --for 100ms",
+                              "monitor watch heap --for 1100ms --csv /dev/full",
+                              "--help",
+                              "key tap --help"};
+  for (const char* const words : rows) {
+    SCOPED_TRACE(words);
+    const outcome told = run({"sh", "-c", std::string{"exec >/dev/full; orvctl "} + words});
+    EXPECT_EQ(told.status, 5);
+    EXPECT_THAT(told.err, HasSubstr(": No space left on device; output is lost\n"));
+  }
+  EXPECT_EQ(run({"sh", "-c", "orvctl target >&-"}).status, 5);
+  // A pipe whose reader has gone.
+  const outcome told =
+      run({"sh", "-c",
+           "mkfifo /tmp/gone; exec 3<>/tmp/gone >/tmp/gone; exec 3>&-; rm /tmp/gone;"
+           "orvctl target"});
+  EXPECT_EQ(told.status, 128 + SIGPIPE) << told.err;
+}
+
+TEST(Tool, Helps) {
+  EXPECT_EQ(run({"orvctl", "help"}).out, run({"orvctl", "--help"}).out);
+  const outcome told = run({"orvctl", "help", "monitor", "watch"});
+  EXPECT_EQ(told.status, 0) << told.err;
+  EXPECT_THAT(told.out, AllOf(HasSubstr("orvctl monitor watch [OPTIONS]"), HasSubstr("--csv")));
+  EXPECT_THAT(run({"orvctl", "--version"}).out,
+              testing::MatchesRegex("orvctl [0-9.]+ \\(liborv-client [0-9.]+\\)\n"));
+}
+
 TEST(Tool, ListsTheCamerasKeys) {
   EXPECT_THAT(run({"orvctl", "key", "--list"}).out, testing::ContainsRegex("\nKEY_MENU +135\n"));
+}
+
+TEST_F(Camera, TellsWhatHasCertainlyNotRun) {
+  const std::pair<std::vector<std::string>, const char*> rows[] = {
+      {{"orvctl", "target", "--store", "/nonexistent"}, "/nonexistent: No such file"},
+      {{"orvctl", "target", "--store", "/etc/passwd"}, "is not a directory"},
+      {{"orvctl", "monitor", "watch", "--csv", "/nonexistent/items"}, "/items: No such file"},
+      {{"sh", "-c", "PATH=/nonexistent exec $(command -v orvctl) log --dump"}, "log's reader"},
+  };
+  for (const auto& [words, message] : rows) {
+    SCOPED_TRACE(message);
+    const outcome told = run(words);
+    EXPECT_EQ(told.status, 4);
+    EXPECT_THAT(told.err, HasSubstr(message));
+    EXPECT_EQ(one_line(told), 1) << told.err;
+  }
+  EXPECT_FALSE(std::filesystem::exists("/nonexistent"));
 }
 
 TEST(Tool, TellsWrongUsageInOneLine) {
@@ -190,10 +272,16 @@ TEST(Tool, TellsWrongUsageInOneLine) {
       {{"orvctl", "key", "tap", "KEY_MNEU"}, "no key \"KEY_MNEU\"; the nearest is KEY_MENU"},
       {{"orvctl", "key", "press", "sw"}, "\"sw\" may be KEY_SW1, KEY_SW2"},
       {{"orvctl", "key", "release", "zzzz"}, "orvctl key --list names them all"},
+      {{"orvctl", "key", "hold", "MENU"}, "no \"hold\"; did you mean \"press\"?"},
       {{"orvctl", "touch", "tap", "400"}, "Y is required"},
-      {{"orvctl", "target", "--timeout", "-1"}, "timeout"},
-      {{"orvctl", "target", "--store", "/nonexistent"}, "/nonexistent: No such file"},
-      {{"orvctl", "target", "--store", "/etc/passwd"}, "is not a directory"},
+      {{"orvctl", "touch", "tap", "400", "32768"}, "Y: "},
+      {{"orvctl", "target", "--timeout", "-1"}, "--timeout: "},
+      {{"orvctl", "target", "--timeout", "nan"}, "--timeout: "},
+      {{"orvctl", "target", "--timeout", "inf"}, "--timeout: "},
+      {{"orvctl", "target", "--store", ""}, "--store: the text is empty"},
+      {{"orvctl", "--camera", "", "target"}, "--camera: the text is empty"},
+      {{"orvctl", "monitor", "watch", "--csv", ""}, "--csv: the text is empty"},
+      {{"orvctl", "help", "nonsense"}, "nonsense"},
       {{"orvctl", "target", "--camera", "/nonexistent"}, "/nonexistent"},
       {{"orvctl", "target", "-c", "nowhere:x"}, "nowhere"},
       {{"orvctl", "target", "-c", "store:x", "--store", "x"}, "excludes"},
@@ -208,7 +296,6 @@ TEST(Tool, TellsWrongUsageInOneLine) {
     EXPECT_EQ(one_line(told), 1) << told.err;
   }
   EXPECT_EQ(number_at(VCONFKEY_ORV_COMMAND), 7) << "a command was written";
-  EXPECT_FALSE(std::filesystem::exists("/nonexistent"));
 }
 
 TEST(Host, TellsWhyItCannotStart) {

@@ -48,7 +48,7 @@ class Watch : public testing::Test {
   void expect_each_thread_once() const {
     const outcome rows = run(
         {"awk", "-F,",
-         "NR > 1 { if ($3 <= last) { print; exit 1 } last = $3 } END { print NR - 1 }", shown()});
+         "NR > 1 { if ($4 <= last) { print; exit 1 } last = $4 } END { print NR - 1 }", shown()});
     ASSERT_EQ(rows.status, 0) << rows.out;
     EXPECT_EQ(std::stoul(rows.out) + lines_of(named()).size(),
               std::stoul(lines_of(host_.file("serial")).at(0)));
@@ -81,15 +81,15 @@ TEST_F(Watch, LosesNoItemAndShowsNoneTwiceWhileOthersCommandAndAsk) {
     return ask_forever({"orvctl", "send", "event", "0", "1", "--data", "no such key"}, {1, 3},
                        keys);
   }};
-  // More than a packet can hold: 22 characters an item there, 30 here.
-  EXPECT_TRUE(eventually([&] { return fs::file_size(shown()) > uintmax_t{4500} * 30; }, 120000));
+  // More than a packet can hold: 22 characters an item there, 56 here.
+  EXPECT_TRUE(eventually([&] { return fs::file_size(shown()) > uintmax_t{4500} * 56; }, 120000));
   EXPECT_EQ(asking.wait(0), -1) << "a query was not answered";
   EXPECT_EQ(tapping.wait(0), -1) << "a key was not answered";
   EXPECT_TRUE(fs::exists(queries) && fs::exists(keys));
   asking.signal(SIGKILL);
   tapping.signal(SIGKILL);
   watch.signal(SIGINT);
-  EXPECT_EQ(watch.wait(10000), 0);
+  EXPECT_EQ(watch.wait(10000), 128 + SIGINT);
   expect_each_thread_once();
 }
 
@@ -136,6 +136,9 @@ TEST_F(Watch, SumsUpAndLeavesNoMonitorRunning) {
   EXPECT_EQ(told.err, "");
   EXPECT_THAT(told.out, MatchesRegex("(\\{\"item\":\"heap\"[^\n]*\n){2}"
                                      "\\{\"summary\":\\{\"items\":2,[^\n]*\n"));
+  const outcome rows = run({"orvctl", "monitor", "watch", "heap", "--for", "1500ms", "--csv", "-"});
+  EXPECT_THAT(rows.out, MatchesRegex("tick_ms,time,item,[^\n]*\n[0-9]+,20[^\n]*Z,heap,[^\n]*\n"));
+  EXPECT_THAT(rows.err, StartsWith("1 items\nfree memory: "));
   // The CPU monitor that ran before is gone as well.
   const std::string packet = text_of(VCONFKEY_ORV_RESULT_DATA);
   EXPECT_EQ(orv_test::packet_fault(packet), "");
@@ -151,7 +154,7 @@ TEST_F(Watch, HasTheMonitorsToItself) {
         {"orvctl", "send", "monitor", "1", "0"},
         {"orvctl", "--timeout", "0.1", "monitor", "watch", "heap"}}) {
     const outcome told = run(words);
-    EXPECT_EQ(told.status, 3) << told.out;
+    EXPECT_EQ(told.status, 4) << told.out;
     EXPECT_THAT(told.err, HasSubstr("another orvctl watches the monitors"));
   }
   EXPECT_EQ(run({"orvctl", "stack"}).status, 0);
@@ -175,19 +178,48 @@ TEST_F(Watch, KeepsWhatItHadWhenTheHostIsKilled) {
   EXPECT_THAT(errors[0], StartsWith("orvctl: no answer in 0.2 s"));
   EXPECT_THAT(errors[0], testing::EndsWith("; is a host running?"));
   const auto lines = lines_of(shown());
-  EXPECT_THAT(lines[0], HasSubstr("s  cpu    thread 31 runs"));
+  EXPECT_THAT(lines[0], HasSubstr("Z  cpu    thread 31 "));
   EXPECT_THAT(lines, testing::Contains("seen running, times by thread:"));
 }
 
 TEST_F(Watch, GoesOnWhenTheAgentIsStartedAnew) {
-  background watch{{"orvctl", "monitor", "watch", "cpu", "--interval", "20", "--csv", shown()}};
+  background watch{
+      {"sh", "-c",
+       "exec orvctl monitor watch cpu --interval 20 --csv " + shown() + " 2>" + shown() + ".err"}};
   ASSERT_TRUE(eventually([this] { return lines_of(shown()).size() > 1; }));
   host_.kill();
   host_.start();
   const size_t before = lines_of(shown()).size();
   EXPECT_TRUE(eventually([&] { return lines_of(shown()).size() > before; }, 10000));
   watch.signal(SIGTERM);
-  EXPECT_EQ(watch.wait(10000), 1) << "what the agent's start wiped may have held more";
+  EXPECT_EQ(watch.wait(10000), 128 + SIGTERM);
+  EXPECT_EQ(lines_of(shown() + ".err").size(), 1U)
+      << "what the agent's start wiped may have held more";
+}
+
+TEST_F(Watch, EndsByTheSignalThatCutsItShort) {
+  const auto started = [this](const char* duration) {
+    fs::remove(shown());
+    return std::vector<std::string>{
+        "sh", "-c",
+        std::string{"exec orvctl monitor watch cpu --interval 20 "} + duration + " >" + shown()};
+  };
+  for (const char* const duration : {"--for 30s", ""}) {
+    SCOPED_TRACE(duration);
+    background watch{started(duration)};
+    ASSERT_TRUE(eventually([this] { return !lines_of(shown()).empty(); }));
+    watch.signal(SIGINT);
+    EXPECT_EQ(watch.wait(10000), 128 + SIGINT);
+    EXPECT_THAT(lines_of(shown()), testing::Contains("seen running, times by thread:"));
+  }
+  background watch{started("--for 30s")};
+  ASSERT_TRUE(eventually([this] { return !lines_of(shown()).empty(); }));
+  kill(host_.pid(), SIGSTOP);
+  watch.signal(SIGTERM);
+  EXPECT_EQ(watch.wait(300), -1) << "the monitors were not stopped";
+  watch.signal(SIGTERM);
+  EXPECT_EQ(watch.wait(500), 128 + SIGTERM);
+  kill(host_.pid(), SIGCONT);
 }
 
 TEST_F(Watch, EndsWithItsReader) {

@@ -6,6 +6,7 @@
 
 #include "monitor_kinds.h"
 #include "stacks.h"
+#include "watch.h"
 #include "watch_summary.h"
 
 namespace {
@@ -17,6 +18,7 @@ orv_item item_of(int32_t monitor, uint32_t tick_ms) {
   orv_item item{};
   item.monitor = monitor;
   item.tick_ms = tick_ms;
+  item.wall_ms = 1788080707042;
   item.name = "";
   return item;
 }
@@ -42,26 +44,34 @@ orv_item stack(uint32_t tick_ms, const stack_samples& stacks) {
 
 TEST(ItemText, IsALineOrAnObjectOrRows) {
   const stack_samples stacks = {
-      {5, "", ORV_THREAD_SLEEPING, 3202482176, 3202351104, 3202486272},
+      {5, "main", ORV_THREAD_SLEEPING, 3202482176, 3202351104, 3202486272},
       {6, "", ORV_THREAD_RUNNING, 1, 0, 0},
   };
-  const orv_item runs = cpu(12345, 77);
+  const std::string time = "2026-08-30T09:05:07.042Z";
+  orv_item runs = cpu(12345, 77);
+  runs.name = "a,\"b\n";
   const orv_item frees = heap(0, 2097152);
   const orv_item uses = stack(7, stacks);
-  EXPECT_EQ(orvctl::to_line(runs), "    12.345 s  cpu    thread 77 runs\n");
-  EXPECT_EQ(orvctl::to_line(frees), "     0.000 s  heap   2.0 MiB free\n");
+  EXPECT_EQ(orvctl::to_line(runs), "    12.345 s  " + time + "  cpu    thread 77 (a,\"b?) runs\n");
+  EXPECT_EQ(orvctl::to_line(frees), "     0.000 s  " + time + "  heap   2.0 MiB free\n");
   EXPECT_EQ(orvctl::to_line(uses),
-            "     0.007 s  stack  2 threads, most stack in use by 5: 4.0 KiB of 132.0 KiB\n");
-  EXPECT_EQ(orvctl::to_csv(cpu(4294967291, 77)), "4294967291,cpu,77,running,,,,,,\n");
-  EXPECT_EQ(orvctl::to_csv(frees), "0,heap,,,,,,,2097152,0\n");
+            "     0.007 s  " + time +
+                "  stack  2 threads, most stack in use by 5 (main): 4.0 KiB of 132.0 KiB\n");
+  EXPECT_EQ(orvctl::to_csv(cpu(4294967291, 77)), "4294967291," + time + ",cpu,77,,running,,,,,,\n");
+  EXPECT_EQ(orvctl::to_csv(runs), "12345," + time + ",cpu,77,\"a,\"\"b?\",running,,,,,,\n");
+  EXPECT_EQ(orvctl::to_csv(frees), "0," + time + ",heap,,,,,,,,2097152,0\n");
   EXPECT_EQ(orvctl::to_csv(uses),
-            "7,stack,5,sleeping,3202482176,3202486272,3202351104,4096,,\n"
-            "7,stack,6,running,1,0,0,,,\n");
-  EXPECT_EQ(orvctl::to_json(uses),
-            "{\"item\":\"stack\",\"tick_ms\":7,\"threads\":[{\"tid\":5,\"state\":\"sleeping\","
-            "\"pointer\":3202482176,\"end\":3202486272,\"start\":3202351104,\"used_bytes\":4096},"
-            "{\"tid\":6,\"state\":\"running\",\"pointer\":1,\"end\":0,\"start\":0,"
-            "\"used_bytes\":null}]}\n");
+            "7," + time +
+                ",stack,5,main,sleeping,3202482176,3202486272,3202351104,4096,,\n"
+                "7," +
+                time + ",stack,6,,running,1,0,0,,,\n");
+  EXPECT_EQ(
+      orvctl::to_json(uses),
+      "{\"item\":\"stack\",\"tick_ms\":7,\"time\":\"" + time +
+          "\",\"threads\":[{\"tid\":5,\"name\":\"main\",\"state\":\"sleeping\","
+          "\"pointer\":3202482176,\"end\":3202486272,\"start\":3202351104,\"used_bytes\":4096},"
+          "{\"tid\":6,\"name\":\"\",\"state\":\"running\",\"pointer\":1,\"end\":0,\"start\":0,"
+          "\"used_bytes\":null}]}\n");
 }
 
 TEST(Summary, CountsAndRanks) {
@@ -89,6 +99,17 @@ TEST(Summary, CountsAndRanks) {
   EXPECT_EQ(object["stack_use"][0]["used_bytes"], 2000);
   EXPECT_EQ(object["stack_use"].size(), 2U) << "a stack pointer outside its stack tells nothing";
   EXPECT_EQ(orvctl::watch_summary{}.to_lines(), "0 items\n");
+}
+
+TEST(Progress, FitsTheTerminal) {
+  const auto text = [](size_t columns) {
+    return orvctl::progress_text(std::chrono::seconds{12}, std::chrono::seconds{30}, 345, 6789,
+                                 columns);
+  };
+  EXPECT_EQ(text(79), "watching: 12 s of 30 s, 345 items, packet 6.6 KiB");
+  EXPECT_EQ(text(48), "watching: 12 s of 30 s, 345 items");
+  EXPECT_EQ(text(29), "12 s of 30 s, 345 items");
+  EXPECT_EQ(text(10), "12 s of 30");
 }
 
 TEST(Threads, AreSortedAsAsked) {

@@ -52,15 +52,16 @@ TEST(MemorySize, IsShownInTheLargestUnitThatFits) {
 }
 
 TEST(Duration, TakesUnitsAndNothingElse) {
-  const std::pair<const char*, int64_t> rows[] = {
-      {"30s", 30000}, {"500ms", 500}, {"2m", 120000}, {"24h", 86400000}, {"7", 7000}};
+  const std::pair<const char*, int64_t> rows[] = {{"30s", 30000},    {"500ms", 500}, {"2m", 120000},
+                                                  {"24h", 86400000}, {"7", 7000},    {"1.5s", 1500},
+                                                  {"0.1m", 6000}};
   for (const auto& [text, ms] : rows) {
     const auto duration = orvctl::parse_duration(text);
     ASSERT_TRUE(duration) << text;
     EXPECT_EQ(duration->count(), ms) << text;
   }
-  for (const char* text : {"", "s", "0s", "-1s", "1.5s", "1 s", "25h", "99999999999999999999ms",
-                           "9223372036854775807h", "30S"}) {
+  for (const char* text : {"", "s", "0s", "-1s", "1.5.5s", ".", "0.1ms", "nan", "1 s", "25h",
+                           "99999999999999999999ms", "9223372036854775807h", "30S"}) {
     EXPECT_FALSE(orvctl::parse_duration(text)) << text;
   }
 }
