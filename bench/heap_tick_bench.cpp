@@ -44,8 +44,9 @@ void tick() {
 void bare_tick() {
   read_memory_summary();
   char* value = vconf_get_str(VCONFKEY_ORV_RESULT_DATA);
-  char* copy = strcpy(static_cast<char*>(malloc(ORV_PACKET_MAX_TEXT)), value);
-  char* written = strcpy(static_cast<char*>(malloc(ORV_PACKET_MAX_TEXT)), copy);
+  const size_t size = strlen(value) + 1;
+  char* copy = static_cast<char*>(memcpy(malloc(ORV_PACKET_MAX_TEXT), value, size));
+  char* written = static_cast<char*>(memcpy(malloc(ORV_PACKET_MAX_TEXT), copy, size));
   vconf_set_str(VCONFKEY_ORV_RESULT_DATA, written);
   vconf_set_int(VCONFKEY_ORV_RESULT, ORV_RESULT_OK);
   free(written);

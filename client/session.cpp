@@ -49,9 +49,9 @@ void session::close() {
 }
 
 void session::end_soon(ending how) {
-  later_ = source::after(milliseconds::zero(), [this, how = std::move(how)] {
+  later_ = source::after(milliseconds::zero(), [this, how = std::move(how)]() mutable {
     ended();
-    const ending last = how;
+    const ending last = std::move(how);
     const auto report_end = std::move(does_.report_end);
     report_end(last);
   });

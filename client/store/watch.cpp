@@ -305,8 +305,8 @@ void watch::let_go() {
   locks_.reset();
 }
 
-void watch::end(const ending& how) {
-  const ending last = how;
+void watch::end(ending how) {
+  const ending last = std::move(how);
   phase_ = phase::ended;
   let_go();
   reporter_.ended(last.view());

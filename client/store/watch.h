@@ -107,7 +107,7 @@ class watch {
   [[nodiscard]] bool slowest_is_among(const std::vector<packet_item>& news) const;
   [[nodiscard]] time_limit answer_limit() const { return time_limit::of(timeout_ms_); }
   void let_go();
-  void end(const ending& how);
+  void end(ending how);
   void end_without_memory() noexcept;
 
   // What the main context and the store's operations call, and which may end this watch.

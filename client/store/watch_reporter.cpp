@@ -20,7 +20,8 @@ int64_t wall_clock_ms() {
 void watch_reporter::items(std::vector<packet_item> news, size_t packet_bytes) {
   packet_bytes_ = packet_bytes;
   const int64_t now_ms = wall_clock_ms();
-  for (auto& [fields, stacks] : news) {
+  for (packet_item& item : news) {
+    auto& [fields, stacks] = item;
     fields.wall_ms = now_ms;
     fields.name = fields.tid != 0 ? name_of(fields.tid) : "";
     for (orv_stack_sample& one : stacks) {

@@ -145,8 +145,9 @@ void whole_command::end_soon(ending how) {
 void whole_command::end(ending how) {
   const carried_reply_fn on_reply = on_reply_;
   void* user_data = user_data_;
+  const ending last = std::move(how);
   leave();
-  const orv_reply reply = how.view();
+  const orv_reply reply = last.view();
   on_reply(&reply, user_data);
 }
 

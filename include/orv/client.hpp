@@ -121,7 +121,7 @@ class session {
     if (state_->session == nullptr) {
       throw std::bad_alloc{};
     }
-    kept.release();
+    static_cast<void>(kept.release());
   }
 
   // `last`: nothing follows, and what was kept goes.

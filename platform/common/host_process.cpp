@@ -51,9 +51,14 @@ void name_this_process_host() {
 
 std::optional<process_identity> named_host() {
   const char* text = getenv(variable);
+  if (text == nullptr) {
+    return std::nullopt;
+  }
+  char* rest = nullptr;
   process_identity host{};
-  const bool named = text != nullptr && sscanf(text, "%d %llu", &host.pid, &host.start_ticks) == 2;
-  return named ? std::optional{host} : std::nullopt;
+  host.pid = static_cast<pid_t>(strtol(text, &rest, 10));
+  host.start_ticks = strtoull(rest, &rest, 10);
+  return host.pid > 0 && host.start_ticks > 0 && *rest == '\0' ? std::optional{host} : std::nullopt;
 }
 
 bool still_runs(const process_identity& process) {

@@ -4,12 +4,14 @@
 #include <time.h>
 #include <unistd.h>
 
+// NOLINTBEGIN(readability-redundant-declaration): weak here, whatever the header says
 extern "C" {
 // Xlib has it since 1.7.0; the header of an older one does not declare it.
 [[gnu::weak]] void XSetIOErrorExitHandler(Display* display, void (*handler)(Display*, void*),
                                           void* user_data);
 [[gnu::weak]] int XConnectionNumber(Display* display);
 }
+// NOLINTEND(readability-redundant-declaration)
 
 namespace orv {
 namespace {

@@ -92,7 +92,8 @@ dirent* __wrap_readdir(DIR* directory) {
   if (listed == listing.size()) {
     return nullptr;
   }
-  strcpy(entry.d_name, listing[listed++].c_str());
+  const std::string& name = listing[listed++];
+  entry.d_name[name.copy(entry.d_name, sizeof entry.d_name - 1)] = '\0';
   return &entry;
 }
 

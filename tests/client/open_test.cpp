@@ -35,7 +35,7 @@ std::vector<std::string> openings_elsewhere(const std::vector<std::string>& addr
     return 0;
   }};
   EXPECT_EQ(other.wait(), 0);
-  const auto lines = orv_test::lines_of(std::ifstream{result});
+  auto lines = orv_test::lines_of(std::ifstream{result});
   fs::remove(result);
   return lines;
 }
