@@ -58,7 +58,7 @@ for _ in {1..20}; do
   says '^firmware    9\.9$' orvctl target
 done
 says '^total  [0-9]' orvctl heap
-says '^ +[0-9]+  AeMain +256\.0 KiB  0x[0-9a-f]+' orvctl stack
+says '^ +[0-9]+  AeMain +256\.0 KiB +0x[0-9a-f]+' orvctl stack
 says '' orvctl key tap KEY_MENU
 says '' orvctl touch tap 100 100
 

@@ -377,7 +377,7 @@ TEST_F(Store, RefusesARootThatOthersCanReach) {
       continue;
     }
     const auto told = orv_test::run({"orvctl", "--store", path, "target"});
-    EXPECT_EQ(told.status, 2);
+    EXPECT_EQ(told.status, 4);
     EXPECT_THAT(told.err, testing::HasSubstr(message));
     EXPECT_EQ(std::count(told.err.begin(), told.err.end(), '\n'), 1) << told.err;
     const auto host = orv_test::run({"env", "ORV_PLATFORM_ROOT=" + path.string(), "orv-host"});
