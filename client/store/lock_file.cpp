@@ -6,7 +6,6 @@
 #include <stdlib.h>
 #include <string.h>
 #include <sys/stat.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <utility>
@@ -49,15 +48,21 @@ void write_line(int fd, off_t at, const char* text) {
   [[maybe_unused]] const ssize_t ignored = pwrite(fd, line, line_size, at);
 }
 
-// Formatted once a second: many commands fit into one.
+// Formatted once a second: many commands fit into one. The C library's calendar would read the time
+// zone's file first, although UTC needs none.
 const char* utc_now() {
-  static time_t formatted = 0;
-  static char text[24];
-  const time_t now = time(nullptr);
+  using namespace std::chrono;
+  static sys_seconds formatted{};
+  static char text[32];
+  const sys_seconds now = floor<seconds>(system_clock::now());
   if (now != formatted) {
-    struct tm utc {};
-    gmtime_r(&now, &utc);
-    strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &utc);
+    const sys_days day = floor<days>(now);
+    const year_month_day date{day};
+    const hh_mm_ss time{now - day};
+    snprintf(text, sizeof text, "%04d-%02u-%02uT%02d:%02d:%02dZ", static_cast<int>(date.year()),
+             static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+             static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
+             static_cast<int>(time.seconds().count()));
     formatted = now;
   }
   return text;
@@ -207,7 +212,7 @@ bool lock_file::taken_by_others(right which) const {
 
 void lock_file::note_holder(right which) const {
   char text[line_size];
-  snprintf(text, sizeof text, "%-9s last taken by %d %.24s at %s",
+  snprintf(text, sizeof text, "%-9s last taken by %d %.24s at %.20s",
            line_names[static_cast<size_t>(which)], static_cast<int>(getpid()),
            program_invocation_short_name, utc_now());
   write_line(fd_, line_of(which), text);
