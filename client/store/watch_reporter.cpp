@@ -21,14 +21,14 @@ void watch_reporter::items(std::vector<packet_item> news, size_t packet_bytes) {
   packet_bytes_ = packet_bytes;
   const int64_t now_ms = wall_clock_ms();
   for (packet_item& item : news) {
-    auto& [fields, stacks] = item;
+    orv_item& fields = item.fields;
     fields.wall_ms = now_ms;
     fields.name = fields.tid != 0 ? name_of(fields.tid) : "";
-    for (orv_stack_sample& one : stacks) {
+    for (orv_stack_sample& one : item.stacks) {
       one.name = name_of(one.tid);
     }
-    fields.stacks = stacks.empty() ? nullptr : stacks.data();
-    fields.stack_count = stacks.size();
+    fields.stacks = item.stacks.empty() ? nullptr : item.stacks.data();
+    fields.stack_count = item.stacks.size();
     report({ORV_WATCH_ITEM, &fields, packet_bytes_, "", nullptr});
   }
 }
