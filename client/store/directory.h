@@ -1,4 +1,5 @@
-// The directory that an address names: where the lock file is, and on the stand-in the store.
+// The directory that an address names. It holds the lock file; the stand-in keeps the store there
+// too.
 #ifndef ORV_CLIENT_STORE_DIRECTORY_H
 #define ORV_CLIENT_STORE_DIRECTORY_H
 

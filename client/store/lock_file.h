@@ -1,6 +1,6 @@
 // Who may do what on a store, among all programs that use this library.
 //
-// One file in the store's directory, DIR/.orv-tools. Each right is a lock on a byte of its own; a
+// One file in the store's directory, DIR/.orv-tools. Each right is a lock on a separate byte; a
 // lock belongs to an open lock_file, also within a process, and ends with it, killed or not. The
 // file's text says who took which right last and when, and whether answers are outstanding.
 //

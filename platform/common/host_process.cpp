@@ -28,7 +28,7 @@ std::optional<unsigned long long> parse_start(const char* stat) {
 }  // namespace
 
 std::optional<process_identity> running_process(pid_t pid) {
-  // By a name that an emulator passes on: it makes up /proc/PID/stat of its own process.
+  // An emulator makes up /proc/PID/stat for the process it runs, but not under this spelling.
   char text[1024];
   snprintf(text, sizeof text, "/proc/./%d/stat", pid);
   const descriptor file{open(text, O_RDONLY | O_CLOEXEC)};

@@ -18,7 +18,7 @@
 namespace vconf {
 namespace {
 
-// A write renames a temporary file of a name of its own, so it arrives as one IN_MOVED_FROM that
+// A write renames a temporary file with a unique name, so it arrives as one IN_MOVED_FROM that
 // the kernel cannot merge with its neighbour, after the new value is in place. IN_MOVED_TO would
 // carry the same name each time, and unread ones would merge.
 constexpr uint32_t watched_events = IN_MOVED_FROM | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;

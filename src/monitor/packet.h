@@ -43,8 +43,8 @@ bool grow_packet(const packet& old, const tick_items& items, bounded_text& grown
 // that was emptied meanwhile stays empty. It replaces `text`, unless it cannot be read.
 const char* reread_packet(owned_text& text);
 
-// Ends a tick: writes the packet and the result, also when the packet did not grow. A tool tells
-// ticks from answers by the packet that comes before the result.
+// Ends a tick: writes the packet and the result, also when the packet did not grow. A tool
+// distinguishes ticks from answers by the packet that comes before the result.
 void answer_tick(const char* packet);
 
 }  // namespace orv

@@ -1,6 +1,6 @@
 #!/bin/bash
-# Sources and a build of theirs below /tmp, which each camera has for itself, under names with
-# blanks: the demonstration's story is told there, with programs that were built elsewhere.
+# Runs the demonstration from sources and a build below /tmp, whose names have blanks. Each camera has
+# a private /tmp, so the runner has to bring both in. The programs are copies from another build.
 # private_place_test.sh BUILD_DIR SOURCE_DIR CMAKE
 source "$(dirname "${BASH_SOURCE[0]}")/shell_test.sh"
 built=$1 source_dir=$2 cmake=$3
